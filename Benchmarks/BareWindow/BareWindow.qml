@@ -1,0 +1,12 @@
+import QtQuick
+
+Rectangle {
+    width: 440
+    height: 200
+    color: "white"
+
+    Text {
+        anchors.centerIn: parent
+        text: "A window"
+    }
+}

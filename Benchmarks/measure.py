@@ -1,0 +1,196 @@
+#!/usr/bin/python3
+"""What the running program costs, on the test desktop. Each figure is printed with what it is.
+
+    KESTRO=build/benchmark/kestro Tests/Desktop/desk /usr/bin/python3 Benchmarks/measure.py NAME...
+
+names: startup (needs BARE, the bare window's program, and COMP=0), memory, idle, pointer, socket, magnify"""
+
+import json
+import os
+import select
+import socket
+import statistics
+import subprocess
+import sys
+import time
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "Tests" / "Desktop"))
+
+from harness.program import HOME, Kestro  # noqa: E402
+from harness.screen import DamageWatch, Pointer, windows  # noqa: E402
+from harness.waiting import wait_for  # noqa: E402
+from Xlib import X, display  # noqa: E402
+from Xlib.ext import damage  # noqa: E402
+
+AGENTS = {"agentsEnabled": True, "dockMagnification": False}
+SOCKET = HOME / "Library" / "Application Support" / "Kestro" / "agents.sock"
+
+
+def percentile(values, share):
+    return sorted(values)[min(len(values) - 1, int(len(values) * share))]
+
+
+def strip_of(kestro):
+    return max(windows(kestro.pid), key=lambda found: found[1].height)[0]
+
+
+def pause(seconds):
+    """A moment in which nothing is done: what is measured is that it costs nothing."""
+    select.select([], [], [], seconds)
+
+
+class Usage:
+    """The processor time and voluntary switches of all threads, from now on."""
+
+    def __init__(self, pid):
+        self._tasks = Path(f"/proc/{pid}/task")
+        self._start = time.monotonic()
+        self._before = self._read()
+
+    def _read(self):
+        nanoseconds = switches = 0
+        for task in self._tasks.iterdir():
+            nanoseconds += int((task / "schedstat").read_text().split()[0])
+            for line in (task / "status").read_text().splitlines():
+                if line.startswith("voluntary_ctxt_switches"):
+                    switches += int(line.split()[1])
+        return nanoseconds, switches
+
+    def report(self, what):
+        seconds = time.monotonic() - self._start
+        now = self._read()
+        share = (now[0] - self._before[0]) / 1e9 / seconds * 100
+        rate = (now[1] - self._before[1]) / seconds
+        print(f"{what}: {share:.3f} % of a core, {rate:.2f} voluntary switches a second, over {seconds:.0f} s", flush=True)
+
+
+def memory_of(pid):
+    fields = {}
+    for line in Path(f"/proc/{pid}/smaps_rollup").read_text().splitlines()[1:]:
+        fields[line.split(":")[0]] = int(line.split()[1]) / 1024
+    return fields["Pss"], fields["Pss_Anon"]
+
+
+def measure_startup():
+    """From exec to the first pixel of `colour` in `area`; both programs in turn, the files warm."""
+    connection = display.Display()
+    root = connection.screen().root
+    connection.damage_query_version()
+    root.damage_create(damage.DamageReportRawRectangles)
+
+    def until_painted(command, area, is_paint):
+        start = time.perf_counter()
+        process = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        while True:
+            select.select([connection.fileno()], [], [], 1)
+            while connection.pending_events():
+                connection.next_event()
+            pixels = root.get_image(*area, X.ZPixmap, 0xFFFFFFFF).data
+            if any(is_paint(pixels[i + 2], pixels[i + 1], pixels[i]) for i in range(0, len(pixels), 4)):
+                break
+        took = (time.perf_counter() - start) * 1000
+        process.terminate()
+        process.wait()
+        return took
+
+    white = lambda red, green, blue: min(red, green, blue) > 230  # noqa: E731
+    kestro, bare = [], []
+    for turn in range(16):
+        ours = until_painted([os.environ["KESTRO"]], (1876, 505, 36, 60), white)
+        theirs = until_painted([os.environ["BARE"]], (0, 0, 40, 40), white)
+        if turn > 0:  # the first warms the caches
+            kestro.append(ours)
+            bare.append(theirs)
+    print(f"start to glyphs: median {statistics.median(kestro):.0f} ms, a bare window's {statistics.median(bare):.0f} ms, "
+          f"{statistics.median(kestro) / statistics.median(bare):.2f} times, {len(kestro)} interleaved runs")
+
+
+def measure_memory():
+    with Kestro(AGENTS) as kestro:
+        pause(float(os.environ.get("IDLE_SECONDS", "60")))
+        pss, anonymous = memory_of(kestro.pid)
+        print(f"memory idle: PSS {pss:.1f} MB, of it anonymous {anonymous:.1f} MB", flush=True)
+        pointer = Pointer()
+        for _ in range(10):
+            for name in ("Stats", "AI"):
+                pointer.glide(*kestro.tree.find("button", name).frame.middle)
+                kestro.tree.wait("panel", name)
+                pointer.glide(600, 200)
+                kestro.tree.wait_gone("panel", name)
+        pause(5)
+        later, anonymous = memory_of(kestro.pid)
+        print(f"after every card ten times: PSS {later:.1f} MB ({later - pss:+.1f}), anonymous {anonymous:.1f} MB")
+
+
+def measure_idle():
+    with Kestro(AGENTS) as kestro:
+        pause(5)
+        usage = Usage(kestro.pid)
+        pause(60)
+        usage.report("idle")
+
+
+def measure_pointer():
+    with Kestro(AGENTS) as kestro:
+        pointer = Pointer()
+        pointer.move(600, 200)
+        watch = DamageWatch(strip_of(kestro))
+        pause(2)
+        watch.forget()
+        usage = Usage(kestro.pid)
+        for step in range(125 * 10):
+            pointer.move(300 + step % 500, 200 + step % 300)
+            pause(1 / 125)
+        usage.report("pointer elsewhere at 125 Hz")
+        print("frames drawn meanwhile:", "some" if watch.next(0.1) else "none")
+
+
+def send(event):
+    client = socket.socket(socket.AF_UNIX)
+    client.connect(str(SOCKET))
+    body = {"session_id": "s", "hook_event_name": event, "cwd": "/home/u/kestro"}
+    client.sendall(b"agent=claude\n" + json.dumps(body).encode())
+    client.recv(1)
+    client.close()
+
+
+def measure_socket():
+    with Kestro(AGENTS) as kestro:
+        wait_for(SOCKET.exists)
+        watch = DamageWatch(strip_of(kestro))
+        times = []
+        for turn in range(200):
+            pause(0.02)
+            watch.forget()
+            start = time.perf_counter()
+            send("PermissionRequest" if turn % 2 else "Stop")
+            times.append((watch.next() - start) * 1000)
+        print(f"socket to damage: median {statistics.median(times):.1f} ms, 99th percentile {percentile(times, 0.99):.1f} ms, {len(times)} events")
+
+
+def measure_magnify():
+    with Kestro({**AGENTS, "dockMagnification": True}) as kestro:
+        x, y = kestro.tree.find("button", "Stats").frame.middle
+        pointer = Pointer()
+        pointer.glide(x, y)
+        watch = DamageWatch(strip_of(kestro))
+        pause(0.5)
+        times = []
+        for turn in range(600):
+            due = time.perf_counter() + 1 / 120
+            watch.forget()
+            start = time.perf_counter()
+            pointer.move(x, y - 15 + turn % 60 if turn % 120 < 60 else y + 45 - turn % 60)
+            moment = watch.next(0.5)
+            if moment:
+                times.append((moment - start) * 1000)
+            pause(max(0, due - time.perf_counter()))
+        print(f"motion to damage: median {statistics.median(times):.1f} ms, 99th percentile {percentile(times, 0.99):.1f} ms, {len(times)} motions of 600")
+
+
+if __name__ == "__main__":
+    if not sys.argv[1:]:
+        sys.exit(__doc__)
+    for each in sys.argv[1:]:
+        globals()[f"measure_{each}"]()

@@ -1,0 +1,150 @@
+#include "Kestro/Application/AppModel.h"
+
+#include "Kestro/Application/FeatureSwitches.h"
+#include "Kestro/Platform/PreferenceStore.h"
+#include "Kestro/Platform/SystemCounters.h"
+
+namespace kestro {
+
+Folders Folders::under(const QString& home)
+{
+    return { home, home + QStringLiteral("/Library/Application Support/Kestro"),
+        home + QStringLiteral("/Library/Caches/com.lumbra.ombrel") };
+}
+
+AppModel::AppModel(const Platform& platform, Folders folders)
+    : m_platform(platform)
+    , m_folders(std::move(folders))
+    , m_now(platform.loop.now())
+    , m_launcher(platform.loop, platform.preferences, platform.workspace, platform.fetcher, platform.log,
+          m_folders.caches + QStringLiteral("/favicons"))
+    , m_statsCard(platform.preferences)
+{
+    for (std::size_t each = 0; each < featureSwitchCount; ++each)
+        m_on[each] = switchKey(FeatureSwitch(each)).read(platform.preferences);
+    connect(&m_launcher, &LauncherModel::storeChanged, this, [this] {
+        Q_EMIT shownWidgetChanged();
+        Q_EMIT changed();
+    });
+    connect(&m_launcher, &LauncherModel::faviconsChanged, this, &AppModel::changed);
+    connect(&m_launcher, &LauncherModel::noticeChanged, this, &AppModel::changed);
+}
+
+AppModel::~AppModel() = default;
+
+void AppModel::start()
+{
+    m_lastTicks = m_platform.counters.cpuTicks(); // so that the first opening has a share to show
+    m_launcher.migrate(enabledWidgets());
+    // A switch that was turned in the file while nothing ran has no tile yet, or still has one.
+    for (const WidgetKind kind : WidgetKinds::migrationOrder)
+        syncWidgetItem(kind);
+    if (isOn(FeatureSwitch::agents))
+        applyAgents();
+    else if (isOn(FeatureSwitch::limits))
+        syncSocket();
+    connect(&m_platform.preferences, &PreferenceStore::changed, this, &AppModel::preferencesChanged);
+}
+
+std::set<WidgetKind> AppModel::enabledWidgets() const
+{
+    std::set<WidgetKind> enabled{ WidgetKind::stats, WidgetKind::keyboardCleaner, WidgetKind::shelf,
+        WidgetKind::calendar, WidgetKind::timer, WidgetKind::notes, WidgetKind::colorPicker, WidgetKind::mirror,
+        WidgetKind::captures, WidgetKind::windows, WidgetKind::displays };
+    const auto addIf = [&](bool on, WidgetKind kind) {
+        if (on)
+            enabled.insert(kind);
+    };
+    addIf(isOn(FeatureSwitch::agents) || isOn(FeatureSwitch::limits), WidgetKind::ai);
+    addIf(isOn(FeatureSwitch::music), WidgetKind::music);
+    addIf(isOn(FeatureSwitch::bluetooth), WidgetKind::bluetooth);
+    addIf(isOn(FeatureSwitch::weather), WidgetKind::weather);
+    addIf(isOn(FeatureSwitch::clipboard), WidgetKind::clipboard);
+    return enabled;
+}
+
+QList<LaunchItem> AppModel::visibleItems() const
+{
+    // Only widgets whose card has something to show; the others wait in the layout.
+    static const QList<WidgetKind> available{ WidgetKind::stats, WidgetKind::ai };
+    return LauncherStore::visibleItems(m_launcher.store().items(), enabledWidgets(), available);
+}
+
+QList<WidgetKind> AppModel::visibleWidgets() const
+{
+    QList<WidgetKind> kinds;
+    for (const LaunchItem& item : visibleItems()) {
+        if (const auto kind = item.widget())
+            kinds.append(*kind);
+    }
+    return kinds;
+}
+
+std::optional<WidgetKind> AppModel::shownWidget() const
+{
+    const QList<WidgetKind> kinds = visibleWidgets();
+    if (m_selectedWidget && kinds.contains(*m_selectedWidget))
+        return m_selectedWidget;
+    return kinds.isEmpty() ? std::nullopt : std::optional(kinds.first());
+}
+
+QString AppModel::shownWidgetName() const
+{
+    const auto kind = shownWidget();
+    return kind ? rawValue(*kind) : QString();
+}
+
+double AppModel::cardBodyHeight(WidgetKind kind) const
+{
+    constexpr double row = 24;
+    switch (kind) {
+    case WidgetKind::ai: {
+        const auto rows = agentsEnabled() ? std::clamp<qsizetype>(qsizetype(m_store.sessions.size()), 1, 4) : 1;
+        return row * double(m_agentErrors.size() + rows);
+    }
+    case WidgetKind::stats:
+    default:
+        return 78;
+    }
+}
+
+QList<DockItemSize> AppModel::dockSizes(const QList<LaunchItem>& items) const
+{
+    QList<DockItemSize> sizes;
+    sizes.reserve(items.size());
+    for (const LaunchItem& item : items)
+        sizes.append(item.isDivider() ? DockItemSize::divider : DockItemSize::icon);
+    return sizes;
+}
+
+void AppModel::setExpanded(bool expanded)
+{
+    if (m_expanded == expanded)
+        return;
+    m_expanded = expanded;
+    if (!expanded)
+        setSelectedWidget(std::nullopt);
+    else
+        m_sessionRows.show(m_store.sorted(), m_now);
+    syncStats();
+    Q_EMIT expandedChanged();
+    Q_EMIT changed();
+}
+
+void AppModel::setSelectedWidget(std::optional<WidgetKind> kind)
+{
+    const bool same = m_selectedWidget == kind;
+    m_selectedWidget = kind;
+    if (kind)
+        Q_EMIT widgetSelected();
+    if (same)
+        return;
+    Q_EMIT shownWidgetChanged();
+    Q_EMIT changed();
+}
+
+void AppModel::setDockVisible(bool visible) { m_dockVisible = visible; }
+
+void AppModel::setDisplaysAsleep(bool asleep) { m_displaysAsleep = asleep; }
+
+} // namespace kestro

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QColor>
+#include <QObject>
+#include <QString>
+
+namespace kestro {
+
+/// How the desktop wants programs to look.
+struct Look {
+    bool dark = false;
+    QColor accent = QColor(0x0A, 0x84, 0xFF);
+    bool reduceMotion = false;
+    QString fontFamily; ///< the interface font, empty where the desktop names none
+
+    bool operator==(const Look&) const = default;
+};
+
+class Appearance : public QObject {
+    Q_OBJECT
+public:
+    virtual Look look() const = 0;
+
+Q_SIGNALS:
+    void changed();
+};
+
+} // namespace kestro

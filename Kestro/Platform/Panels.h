@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QObject>
+#include <QRegion>
+
+class QWindow;
+
+namespace kestro {
+
+/// What makes a plain window a panel: above the others, on all desktops, in no task bar, never focused.
+/// Main thread. Windows stay their owner's; each is adopted once, before it is first shown.
+class Panels : public QObject {
+    Q_OBJECT
+public:
+    virtual void adopt(QWindow& window) = 0;
+
+    /// The part of `window` that takes the pointer, in its own logical coordinates; the empty region lets everything
+    /// through. Set it when the painted shape changes, not while the pointer moves. Without a compositor the window is
+    /// cut to the same shape, since nothing there can be seen through.
+    virtual void setShape(QWindow& window, const QRegion& shape) = 0;
+
+    /// Whether translucent windows can be seen through.
+    virtual bool isComposited() const = 0;
+
+Q_SIGNALS:
+    void compositedChanged();
+};
+
+} // namespace kestro

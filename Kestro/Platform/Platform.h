@@ -1,0 +1,32 @@
+#pragma once
+
+namespace kestro {
+
+class Appearance;
+class Fetcher;
+class Log;
+class MainLoop;
+class Panels;
+class Pointer;
+class PreferenceStore;
+class Screens;
+class SessionEvents;
+class SystemCounters;
+class Workspace;
+
+/// Every service that the application asks of its platform. main.cpp builds them; they outlive all that uses them.
+struct Platform {
+    MainLoop& loop;
+    PreferenceStore& preferences;
+    Screens& screens;
+    Pointer& pointer;
+    Panels& panels;
+    Appearance& appearance;
+    SessionEvents& session;
+    Workspace& workspace;
+    Fetcher& fetcher;
+    SystemCounters& counters;
+    Log& log;
+};
+
+} // namespace kestro

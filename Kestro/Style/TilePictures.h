@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QColor>
+#include <QImage>
+#include <QString>
+
+namespace kestro {
+
+/// What a tile shows. A value: two equal ones have the same picture.
+struct TileLook {
+    QString kind; ///< a widget kind's raw value, which picks the colours; empty for anything else
+    QString symbol; ///< the glyph; unused where there is an image
+    QImage image; ///< an application's icon or a site's
+    bool framed = false; ///< the image stands on a neutral tile of ours instead of being the tile
+    bool monochrome = false;
+    bool dark = false;
+
+    bool operator==(const TileLook& other) const
+    {
+        return kind == other.kind && symbol == other.symbol && image.cacheKey() == other.image.cacheKey()
+            && framed == other.framed && monochrome == other.monochrome && dark == other.dark;
+    }
+};
+
+/// The tile, `side` pixels high and wide. Recent pictures are kept. Main thread, or while it is held.
+QImage tilePicture(const TileLook& look, int side);
+
+} // namespace kestro

@@ -1,0 +1,25 @@
+import QtQuick
+import Kestro.Style
+
+/// The name of what the pointer rests on; the content of a panel of its own.
+SurfaceItem {
+    property alias text: label.text
+
+    implicitWidth: Math.ceil(label.implicitWidth) + 20
+    implicitHeight: 26
+    radius: 8
+    fill: Theme.card
+    hairline: Theme.hairline
+    shadow: Theme.composited ? (Theme.dark ? 0.35 : 0.18) : 0
+
+    Accessible.role: Accessible.ToolTip
+    Accessible.name: text
+
+    Label {
+        id: label
+
+        anchors.centerIn: parent
+        width: Math.min(implicitWidth, parent.width - 16)
+        font: Theme.captionFont
+    }
+}

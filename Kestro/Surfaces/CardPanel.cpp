@@ -1,0 +1,59 @@
+#include "Kestro/Surfaces/CardPanel.h"
+
+#include "Kestro/Application/AppModel.h"
+#include "KestroCore/Support/Geometry.h"
+
+namespace kestro {
+
+namespace {
+
+constexpr int shadowRoom = 28;
+constexpr double slide = 12;
+
+QPointF slideFrom(SidebarEdge edge)
+{
+    switch (edge) {
+    case SidebarEdge::left:
+        return { -slide, 0 };
+    case SidebarEdge::right:
+        return { slide, 0 };
+    case SidebarEdge::bottom:
+        return { 0, slide };
+    }
+    Q_UNREACHABLE();
+}
+
+} // namespace
+
+CardPanel::CardPanel(AppModel& model, QQmlEngine& engine, Panels& panels, const Screens& screens)
+    : m_panel(panels, screens)
+    , m_host(m_panel, engine, QStringLiteral("SidebarCardView"),
+          { { QStringLiteral("model"), QVariant::fromValue(&model) }, { QStringLiteral("shadowRoom"), shadowRoom } })
+{
+    m_panel.setTitle(QStringLiteral("Kestro Card"));
+}
+
+void CardPanel::place(const QRectF& target, SidebarEdge edge)
+{
+    if (m_target == target)
+        return;
+    const bool appears = !m_target;
+    m_target = target;
+    m_panel.setFrame(geometry::grown(target, shadowRoom));
+    const QSize size = target.size().toSize();
+    m_panel.setPaintedShape(QRect(QPoint(shadowRoom, shadowRoom), size));
+    if (!appears)
+        return;
+    m_panel.orderFront();
+    QMetaObject::invokeMethod(&m_host.root(), "appear", Q_ARG(QVariant, slideFrom(edge)));
+}
+
+void CardPanel::orderOut()
+{
+    if (!m_target)
+        return;
+    m_target.reset();
+    m_panel.orderOut();
+}
+
+} // namespace kestro

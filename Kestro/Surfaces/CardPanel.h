@@ -1,0 +1,34 @@
+#pragma once
+
+#include "Kestro/Surfaces/NotchPanel.h"
+#include "Kestro/Surfaces/TrackingHostingView.h"
+#include "KestroCore/Layout/DockTypes.h"
+
+#include <optional>
+
+namespace kestro {
+
+class AppModel;
+
+/// The card beside the dock: its window, and its way in. The window is larger than the card by the room for its
+/// shadow, and stands where the card will end up, so that the window manager is asked once and not in every frame.
+class CardPanel final {
+public:
+    CardPanel(AppModel& model, QQmlEngine& engine, Panels& panels, const Screens& screens);
+
+    /// Shows the card at `target`, in screen coordinates, coming from the side of `edge` if it was hidden.
+    void place(const QRectF& target, SidebarEdge edge);
+    void orderOut();
+
+    bool isShown() const { return m_target.has_value(); }
+    /// Where the card is, or is going.
+    const std::optional<QRectF>& target() const { return m_target; }
+    TrackingHostingView& host() { return m_host; }
+
+private:
+    NotchPanel m_panel;
+    TrackingHostingView m_host;
+    std::optional<QRectF> m_target;
+};
+
+} // namespace kestro

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "Kestro/Surfaces/TrackingHostingView.h"
+#include "KestroCore/Layout/LaunchItem.h"
+
+#include <QQuickWindow>
+#include <functional>
+#include <memory>
+
+namespace kestro {
+
+class AppModel;
+class Screens;
+
+/// A row of a menu; one without a title is a separator.
+struct MenuEntry {
+    QString title;
+    bool enabled = true;
+    std::function<void()> action{};
+
+    bool isSeparator() const { return title.isEmpty(); }
+};
+
+/// What can be done with an item of the dock. `vertical` is a dock on a screen's side.
+QList<MenuEntry> itemMenuEntries(AppModel& model, const LaunchItem& item, bool vertical);
+
+/// An open menu. It holds the pointer and the keyboard until an entry is chosen, Escape is pressed or the pointer is
+/// pressed elsewhere; then it runs the entry's action, hides, and calls `ended`, in which its owner may destroy it
+/// later.
+class ItemMenu final : public QQuickWindow {
+    Q_OBJECT
+public:
+    /// Opens with its corner at `at`, in screen coordinates, kept on `screen`.
+    ItemMenu(QQmlEngine& engine, const Screens& screens, QList<MenuEntry> entries, QPointF at, const QRectF& screen,
+        std::function<void()> ended);
+
+    /// Chooses a row: runs its action unless it is disabled.
+    Q_INVOKABLE void choose(int row);
+
+protected:
+    void exposeEvent(QExposeEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
+private:
+    void end();
+    void step(int by);
+
+    QList<MenuEntry> m_entries;
+    std::function<void()> m_ended;
+    std::unique_ptr<TrackingHostingView> m_host;
+};
+
+} // namespace kestro

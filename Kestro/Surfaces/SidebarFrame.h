@@ -1,0 +1,53 @@
+#pragma once
+
+#include "Kestro/Preferences/SidebarPrefs.h"
+#include "KestroCore/Layout/DockGeometry.h"
+#include "KestroCore/Layout/DockLayout.h"
+#include "KestroCore/Layout/LaunchItem.h"
+
+#include <QList>
+#include <QRectF>
+#include <optional>
+
+namespace kestro {
+
+/// What the icon views draw from.
+struct DockArrangement {
+    QList<LaunchItem> items;
+    double iconSize = 0; ///< as fitted, in points
+    DockLayout layout; ///< as drawn
+    DockLayout measure; ///< at rest: no pointer, nothing magnified
+
+    bool operator==(const DockArrangement&) const = default;
+};
+
+/// One complete placement of the dock; rectangles are in screen coordinates.
+struct SidebarFrame {
+    QRectF band; ///< of the strip's window
+    QRectF dock; ///< the dock as drawn, or the pill
+    QRectF rest; ///< the dock at rest length, as thick as magnification makes it: where the pointer magnifies
+    DockArrangement arrangement;
+    double inset = 0; ///< the flare at each end of an attached dock
+    bool collapsed = false; ///< the dock shows as a pill
+    std::optional<QRectF> cap{}; ///< the stretch at the leading end that is kept free of icons
+
+    bool operator==(const SidebarFrame&) const = default;
+
+    /// An icon's place in the strip's window (y downwards), as drawn.
+    QRectF iconRect(qsizetype index, SidebarEdge edge) const;
+    /// Where along the edge the middle of an icon lies at rest, as a screen coordinate.
+    double anchorOf(qsizetype index, SidebarEdge edge) const;
+};
+
+/// What decides a placement beside the items and the preferences.
+struct DockMoment {
+    std::optional<double> pointer{}; ///< where along the strip the pointer magnifies
+    bool pillOpen = false;
+    std::optional<double> pillCenter{}; ///< where along the edge the pill was touched
+};
+
+/// The placement of a dock of `items` on a screen of which `visible` is free.
+SidebarFrame placeDock(const QList<LaunchItem>& items, const QList<DockItemSize>& sizes, const SidebarPrefs& prefs,
+    const QRectF& visible, const DockMoment& moment);
+
+} // namespace kestro

@@ -1,0 +1,45 @@
+#include "Kestro/Surfaces/SidebarState.h"
+
+#include "KestroCore/Support/Geometry.h"
+
+namespace kestro {
+
+SidebarState::SidebarState(AppModel& model)
+    : m_items(model)
+{
+}
+
+void SidebarState::setPrefs(const SidebarPrefs& prefs, bool monochrome)
+{
+    m_prefs = prefs;
+    m_monochrome = monochrome;
+    Q_EMIT prefsChanged();
+}
+
+void SidebarState::setFrame(const SidebarFrame& frame)
+{
+    if (m_frame != frame) {
+        m_frame = frame;
+        Q_EMIT frameChanged();
+    }
+    m_items.show(frame, m_prefs.edge);
+}
+
+void SidebarState::setRevealed(bool revealed)
+{
+    if (m_revealed == revealed)
+        return;
+    m_revealed = revealed;
+    Q_EMIT revealedChanged();
+}
+
+QRectF SidebarState::dockRect() const
+{
+    if (!m_frame)
+        return {};
+    const QRectF& dock = m_frame->dock;
+    const QRectF& band = m_frame->band;
+    return { dock.x() - band.x(), geometry::maxY(band) - geometry::maxY(dock), dock.width(), dock.height() };
+}
+
+} // namespace kestro

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "Kestro/Surfaces/DockItemsModel.h"
+
+namespace kestro {
+
+/// What the strip's view draws: the placement and the preferences, in the strip window's coordinates. Main thread.
+class SidebarState final : public QObject {
+    Q_OBJECT
+    QML_ANONYMOUS
+    Q_PROPERTY(kestro::DockItemsModel* items READ items CONSTANT)
+    Q_PROPERTY(QRectF dockRect READ dockRect NOTIFY frameChanged)
+    Q_PROPERTY(bool collapsed READ collapsed NOTIFY frameChanged)
+    Q_PROPERTY(double iconSize READ iconSize NOTIFY frameChanged)
+    Q_PROPERTY(double largestIconSize READ largestIconSize NOTIFY frameChanged)
+    Q_PROPERTY(QString edge READ edge NOTIFY prefsChanged)
+    Q_PROPERTY(QString placement READ placement NOTIFY prefsChanged)
+    Q_PROPERTY(QString material READ material NOTIFY prefsChanged)
+    Q_PROPERTY(QString tint READ tint NOTIFY prefsChanged)
+    Q_PROPERTY(bool monochrome READ monochrome NOTIFY prefsChanged)
+    Q_PROPERTY(bool revealed READ revealed NOTIFY revealedChanged)
+public:
+    explicit SidebarState(AppModel& model);
+
+    const SidebarPrefs& prefs() const { return m_prefs; }
+    void setPrefs(const SidebarPrefs& prefs, bool monochrome);
+
+    const std::optional<SidebarFrame>& frame() const { return m_frame; }
+    /// Publishes a placement; one that is drawn already changes nothing but what the items look like.
+    void setFrame(const SidebarFrame& frame);
+
+    bool revealed() const { return m_revealed; }
+    void setRevealed(bool revealed);
+
+    DockItemsModel* items() { return &m_items; }
+    QRectF dockRect() const;
+    bool collapsed() const { return m_frame && m_frame->collapsed; }
+    double iconSize() const { return m_frame ? m_frame->arrangement.iconSize : 0; }
+    double largestIconSize() const { return iconSize() * m_prefs.maxScale; }
+    QString edge() const { return rawValue(m_prefs.edge); }
+    QString placement() const { return rawValue(m_prefs.placement); }
+    QString material() const { return rawValue(m_prefs.material); }
+    QString tint() const { return rawValue(m_prefs.tint); }
+    bool monochrome() const { return m_monochrome; }
+
+Q_SIGNALS:
+    void frameChanged();
+    void prefsChanged();
+    void revealedChanged();
+
+private:
+    SidebarPrefs m_prefs;
+    bool m_monochrome = false;
+    bool m_revealed = false;
+    std::optional<SidebarFrame> m_frame;
+    DockItemsModel m_items;
+};
+
+} // namespace kestro

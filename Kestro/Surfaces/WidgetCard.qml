@@ -1,0 +1,73 @@
+import QtQuick
+import Kestro.Style
+import Kestro.Agents
+import Kestro.Statistics
+
+// One widget's card: a header with its symbol and title above its body.
+Item {
+    id: root
+
+    required property var model
+    property string kind: model.shownWidget
+    readonly property var titles: ({ "stats": "Stats", "ai": "AI" })
+    readonly property var symbols: ({ "stats": Symbols.gaugeMedium, "ai": Symbols.sparkle })
+
+    Accessible.role: Accessible.Pane
+    Accessible.name: titles[kind] ?? ""
+
+    Row {
+        x: Theme.horizontalPadding
+        y: Theme.verticalPadding
+        height: Theme.headerHeight
+        spacing: 8
+
+        Symbol {
+            anchors.verticalCenter: parent.verticalCenter
+            name: root.symbols[root.kind] ?? Symbols.app
+            color: Theme.ink
+            size: 16
+        }
+        Text {
+            anchors.verticalCenter: parent.verticalCenter
+            text: root.titles[root.kind] ?? ""
+            font: Theme.titleFont
+            color: Theme.ink
+            Accessible.role: Accessible.Heading
+            Accessible.name: text
+        }
+    }
+
+    Loader {
+        anchors.fill: parent
+        anchors.margins: Theme.horizontalPadding
+        anchors.topMargin: Theme.verticalPadding + Theme.headerHeight
+        anchors.bottomMargin: Theme.verticalPadding
+        sourceComponent: root.kind === "ai" ? agents : root.kind === "stats" ? statistics : null
+    }
+
+    Component {
+        id: agents
+
+        AgentList {
+            rows: root.model.sessionRows
+            errorLines: root.model.agentErrorLines
+            enabled: root.model.agentsEnabled
+            limit: 4
+        }
+    }
+    Component {
+        id: statistics
+
+        StatsRow {
+            readonly property var card: root.model.statsCard
+
+            cpuText: card.cpuText
+            cpuLevel: card.cpuLevel
+            memoryText: card.memoryText
+            memoryLevel: card.memoryLevel
+            showCPU: card.showCPU
+            showRAM: card.showRAM
+            barStyle: card.barStyle
+        }
+    }
+}

@@ -1,0 +1,37 @@
+#include "KestroCore/Agents/AgentEvent.h"
+
+#include "KestroCore/Agents/SocketMessageFields.h"
+
+namespace kestro {
+
+std::optional<Agent> AgentEvent::agentOfHeader(QByteArrayView line)
+{
+    static constexpr QByteArrayView prefix = "agent=";
+    return line.startsWith(prefix) ? agentFromRawValue(line.sliced(prefix.size())) : std::nullopt;
+}
+
+std::optional<AgentEvent> AgentEvent::parse(QByteArrayView message)
+{
+    const qsizetype newline = message.indexOf('\n');
+    if (newline < 0)
+        return std::nullopt;
+    const auto agent = agentOfHeader(message.first(newline));
+    if (!agent)
+        return std::nullopt;
+
+    std::optional<QString> id, name, folder;
+    FirstText roots;
+    JsonFields fields{ { "hook_event_name", &name } };
+    if (*agent == Agent::cursor) {
+        fields.push_back({ "conversation_id", &id });
+        fields.push_back({ "workspace_roots", &roots });
+    } else {
+        fields.push_back({ "session_id", &id });
+        fields.push_back({ "cwd", &folder });
+    }
+    if (!readJsonFields(message.sliced(newline + 1), fields) || !id || !name)
+        return std::nullopt;
+    return AgentEvent{ *agent, *id, *agent == Agent::cursor ? roots.text : folder.value_or(QString()), *name };
+}
+
+} // namespace kestro

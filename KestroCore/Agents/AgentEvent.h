@@ -1,0 +1,28 @@
+#pragma once
+
+#include "KestroCore/Agents/Agent.h"
+
+#include <QByteArrayView>
+#include <QString>
+#include <optional>
+
+namespace kestro {
+
+/// What one hook of an agent told. Prompts and code are in the message too; they are never kept.
+struct AgentEvent {
+    Agent agent = Agent::claude;
+    QString sessionID;
+    QString cwd; ///< the working folder; empty when the message gives none
+    QString name; ///< exactly as sent
+
+    /// Reads "agent=WORD", a newline and the hook's JSON object. Nothing when the header is another one, the body is
+    /// not one valid object, or the session id or the event's name is missing or not a text.
+    static std::optional<AgentEvent> parse(QByteArrayView message);
+
+    /// The agent of a message's first line, given without its newline.
+    static std::optional<Agent> agentOfHeader(QByteArrayView line);
+
+    bool operator==(const AgentEvent&) const = default;
+};
+
+} // namespace kestro

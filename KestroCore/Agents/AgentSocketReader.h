@@ -1,0 +1,92 @@
+#pragma once
+
+#include "KestroCore/Agents/MessageFramer.h"
+#include "KestroCore/Agents/SocketMessage.h"
+
+#include <chrono>
+#include <functional>
+#include <utility>
+#include <vector>
+
+struct pollfd;
+
+namespace kestro {
+
+/// What the socket's clients may take up. Tests make these small; nobody else changes them.
+struct AgentSocketLimits {
+    std::chrono::milliseconds silence{ 1000 }; ///< without a byte, from the connection or the last one on
+    std::chrono::milliseconds connection{ 5000 }; ///< in all
+    std::chrono::milliseconds acceptRetry{ 100 }; ///< between attempts while there are no descriptors
+    size_t clients = 64; ///< read at once; the others wait in the backlog
+    qsizetype messageBytes = MessageFramer::defaultMaxBytes;
+    qsizetype heldBytes = 67'108'864; ///< of all clients together; at least `messageBytes`
+};
+
+/// Owns one file descriptor; -1 is none.
+class AgentSocketDescriptor {
+public:
+    explicit AgentSocketDescriptor(int fd = -1)
+        : m_fd(fd)
+    {
+    }
+    AgentSocketDescriptor(AgentSocketDescriptor&& other) noexcept
+        : m_fd(std::exchange(other.m_fd, -1))
+    {
+    }
+    AgentSocketDescriptor& operator=(AgentSocketDescriptor&& other) noexcept
+    {
+        std::swap(m_fd, other.m_fd);
+        return *this;
+    }
+    ~AgentSocketDescriptor() { close(); }
+
+    int get() const { return m_fd; }
+    explicit operator bool() const { return m_fd >= 0; }
+    void close();
+
+private:
+    int m_fd;
+};
+
+/// Reads the clients of a listening socket side by side on the one thread that calls `run`. It sleeps in the kernel
+/// while no client is connected and never writes to one.
+class AgentSocketReader {
+public:
+    /// Throws std::system_error when there is no descriptor for the wake-up.
+    AgentSocketReader(
+        AgentSocketDescriptor listener, std::function<void(SocketMessage)> onMessage, AgentSocketLimits limits);
+
+    /// Blocks until `stop`; calls `onMessage` meanwhile.
+    void run();
+    /// Makes `run` return, now or when it is called. From any thread.
+    void stop();
+
+private:
+    using Clock = std::chrono::steady_clock;
+    struct Client {
+        AgentSocketDescriptor descriptor; // none once the client is done with
+        MessageFramer framer;
+        Clock::time_point since;
+        Clock::time_point heard;
+    };
+
+    void watch(Clock::time_point now);
+    int timeout(Clock::time_point now) const;
+    void serve(Clock::time_point now);
+    void acceptOne(Clock::time_point now);
+    void readSome(Client& client, Clock::time_point now);
+    bool mayRead(const Client& client) const;
+    bool hasRoom() const;
+    Clock::time_point deadline(const Client& client) const;
+
+    AgentSocketDescriptor m_listener;
+    AgentSocketDescriptor m_wake;
+    std::function<void(SocketMessage)> m_onMessage;
+    AgentSocketLimits m_limits;
+    std::vector<char> m_buffer;
+    std::vector<Client> m_clients; // oldest first
+    std::vector<pollfd> m_watched; // the wake-up, the listener, then the clients in their order
+    Clock::time_point m_acceptAgain; // not before
+};
+
+} // namespace kestro

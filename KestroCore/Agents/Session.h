@@ -1,0 +1,29 @@
+#pragma once
+
+#include "KestroCore/Agents/Agent.h"
+#include "KestroCore/Support/Date.h"
+
+#include <QString>
+
+namespace kestro {
+
+enum class AgentState { idle, working, needsInput, done };
+
+/// What an agent is doing in one of its conversations, as far as its events told.
+struct Session {
+    QString id;
+    Agent agent = Agent::claude; ///< the agent of the latest event
+    QString project; ///< the name of the working folder; may be empty
+    AgentState state = AgentState::idle;
+    Date lastEventAt;
+
+    bool operator==(const Session&) const = default;
+};
+
+/// The word that a user reads for a state.
+QString stateWord(AgentState state);
+
+/// How long ago something was, `seconds` being its age: "now", "5m ago", "2h ago".
+QString agoText(double seconds);
+
+} // namespace kestro

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "KestroCore/Agents/AgentEvent.h"
+#include "KestroCore/Agents/Session.h"
+#include "KestroCore/Support/Date.h"
+
+#include <QString>
+#include <map>
+#include <optional>
+#include <vector>
+
+namespace kestro {
+
+/// Every session that was heard of, by its id alone: two agents with the same id share one. In memory only.
+struct SessionStore {
+    static constexpr double doneWingDuration = 4; ///< seconds that a done session shows in the wing
+    static constexpr double doneLifetime = 600; ///< the age in seconds at which a done session is pruned
+    static constexpr double staleAfter = 1800; ///< the age in seconds at which any session is pruned
+
+    std::map<QString, Session> sessions; ///< ordered, so that sessions of one moment keep their places
+
+    /// Follows one event. A name that is not known changes nothing, not even the age.
+    void apply(const AgentEvent& event, Date now);
+    /// Drops what is too old.
+    void prune(Date now);
+
+    /// Newest first; those of the same moment by id.
+    std::vector<Session> sorted() const;
+    int workingCount() const { return count(AgentState::working); }
+    int needsInputCount() const { return count(AgentState::needsInput); }
+    /// The sessions that work or wait for the user.
+    int activeCount() const { return workingCount() + needsInputCount(); }
+    /// What the wings show: the most urgent state there is. Never `idle`, and `done` only while it is fresh.
+    std::optional<AgentState> wingState(Date now) const;
+
+    bool operator==(const SessionStore&) const = default;
+
+private:
+    int count(AgentState state) const;
+};
+
+} // namespace kestro

@@ -1,0 +1,129 @@
+#include "GioWorkspace.h"
+
+#include "GioPointer.h"
+#include "ThemedIcon.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QIcon>
+#include <gio/gdesktopappinfo.h>
+#include <unistd.h>
+
+namespace kestro {
+namespace {
+
+constexpr qint64 largestEntry = 1 << 20; // bytes; a file of this ending that is larger is something else
+
+bool isEntry(const QString& path)
+{
+    const QFileInfo file(path);
+    return file.suffix() == QLatin1String("desktop") && file.isFile() && file.size() <= largestEntry;
+}
+
+// From the text alone: by its file name, GIO would watch every folder of entries from a thread of its own.
+GioPointer<GDesktopAppInfo> readEntry(const QString& path)
+{
+    if (!isEntry(path))
+        return nullptr;
+    const GioPointer<GKeyFile> text(g_key_file_new());
+    if (!g_key_file_load_from_file(text.get(), QFile::encodeName(path).constData(), G_KEY_FILE_NONE, nullptr))
+        return nullptr;
+    GioPointer<GDesktopAppInfo> entry(g_desktop_app_info_new_from_keyfile(text.get()));
+    return entry && !g_desktop_app_info_get_is_hidden(entry.get()) ? std::move(entry) : nullptr;
+}
+
+// The local files alone: asking for the default ones starts helpers for remote places.
+GioPointer<GFile> localFile(const QString& path)
+{
+    return GioPointer<GFile>(g_vfs_get_file_for_path(g_vfs_get_local(), QFile::encodeName(path).constData()));
+}
+
+GioPointer<GAppLaunchContext> launchContext()
+{
+    GioPointer<GAppLaunchContext> context(g_app_launch_context_new());
+    // They tell who started *us*, and when.
+    for (const char* const name : { "DESKTOP_STARTUP_ID", "XDG_ACTIVATION_TOKEN" })
+        g_app_launch_context_unsetenv(context.get(), name);
+    return context;
+}
+
+void leaveOurSession(gpointer) { ::setsid(); }
+
+// Through GLib's go-between process, so that what is started is nobody's child here.
+QString launch(GDesktopAppInfo* application, const char* uri)
+{
+    GioError error;
+    GList uris{ const_cast<char*>(uri), nullptr, nullptr };
+    const bool started = g_desktop_app_info_launch_uris_as_manager(application, uri ? &uris : nullptr,
+        launchContext().get(), G_SPAWN_SEARCH_PATH, leaveOurSession, nullptr, nullptr, nullptr, error.out());
+    return started ? QString() : error.message();
+}
+
+QString openWithDefault(const QUrl& url)
+{
+    GioPointer<GAppInfo> application;
+    GioError error;
+    if (url.isLocalFile()) {
+        application.reset(g_file_query_default_handler(localFile(url.toLocalFile()).get(), nullptr, error.out()));
+    } else {
+        application.reset(g_app_info_get_default_for_uri_scheme(url.scheme().toLatin1().constData()));
+    }
+    if (!application || !G_IS_DESKTOP_APP_INFO(application.get()))
+        return error.message().isEmpty() ? QStringLiteral("no application opens it") : error.message();
+    return launch(G_DESKTOP_APP_INFO(application.get()), url.toEncoded().constData());
+}
+
+} // namespace
+
+GioWorkspace::GioWorkspace()
+{
+    if (QIcon::themeName().isEmpty())
+        QIcon::setThemeName(QStringLiteral("hicolor"));
+}
+
+bool GioWorkspace::fileExists(const QString& path) const { return QFileInfo::exists(path); }
+
+bool GioWorkspace::isApplication(const QString& path) const { return readEntry(path) != nullptr; }
+
+std::optional<QString> GioWorkspace::displayName(const QString& path) const
+{
+    const auto entry = readEntry(path);
+    if (!entry)
+        return std::nullopt;
+    return QString::fromUtf8(g_app_info_get_name(G_APP_INFO(entry.get())));
+}
+
+QImage GioWorkspace::icon(const QString& path, int pixels) const
+{
+    if (const auto entry = readEntry(path))
+        return ThemedIcon::image(g_app_info_get_icon(G_APP_INFO(entry.get())), pixels);
+    const GioPointer<GFileInfo> info(g_file_query_info(
+        localFile(path).get(), G_FILE_ATTRIBUTE_STANDARD_ICON, G_FILE_QUERY_INFO_NONE, nullptr, nullptr));
+    return info ? ThemedIcon::image(g_file_info_get_icon(info.get()), pixels) : QImage();
+}
+
+void GioWorkspace::openApplication(const QString& path, std::function<void(const QString&)> failed)
+{
+    QString error;
+    if (!QFileInfo::exists(path)) {
+        error = QStringLiteral("there is no such file");
+    } else if (isEntry(path)) {
+        // By name, so that the application is told which entry it was started from.
+        const GioPointer<GDesktopAppInfo> entry(
+            g_desktop_app_info_new_from_filename(QFile::encodeName(path).constData()));
+        error = entry ? launch(entry.get(), nullptr) : QStringLiteral("it is not an application that can be started");
+    } else {
+        error = openWithDefault(QUrl::fromLocalFile(path));
+    }
+    if (!error.isEmpty() && failed)
+        failed(error);
+}
+
+bool GioWorkspace::openUrl(const QUrl& url)
+{
+    return url.isValid() && !url.isRelative() && openWithDefault(url).isEmpty();
+}
+
+bool GioWorkspace::moveToTrash(const QString& path) { return g_file_trash(localFile(path).get(), nullptr, nullptr); }
+
+} // namespace kestro

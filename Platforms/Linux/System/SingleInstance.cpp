@@ -1,0 +1,138 @@
+#include "SingleInstance.h"
+
+#include "AtomicFile.h"
+
+#include "Kestro/Platform/Log.h"
+
+#include <QDeadlineTimer>
+#include <QFile>
+#include <QSocketNotifier>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/file.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+
+namespace kestro {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto longestWait = 2s;
+constexpr int pauseMilliseconds = 20;
+constexpr const char* lockName = "/instance.lock";
+constexpr const char* socketName = "/instance.sock";
+
+// A home folder's path can be longer than an address holds, so the folder is named by a descriptor.
+class InstanceAddress {
+public:
+    explicit InstanceAddress(const QByteArray& folder)
+        : m_folder(::open(folder.constData(), O_PATH | O_DIRECTORY | O_CLOEXEC))
+    {
+        m_address.sun_family = AF_UNIX;
+        const QByteArray path = "/proc/self/fd/" + QByteArray::number(m_folder.get()) + socketName;
+        std::memcpy(m_address.sun_path, path.constData(), static_cast<size_t>(path.size()) + 1);
+    }
+
+    const sockaddr* get() const { return reinterpret_cast<const sockaddr*>(&m_address); }
+    socklen_t size() const { return sizeof m_address; }
+
+private:
+    FileDescriptor m_folder;
+    sockaddr_un m_address{};
+};
+
+// Datagrams: the sender never waits for the one it tells, be that stopped or stuck.
+FileDescriptor datagramSocket()
+{
+    return FileDescriptor(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+}
+
+} // namespace
+
+SingleInstance::SingleInstance(const QString& folder, Log& log, QObject* parent)
+    : QObject(parent)
+    , m_folder(QFile::encodeName(folder))
+    , m_log(log)
+{
+    AtomicFile::createFolder(folder); // a failure shows when the lock is taken
+}
+
+SingleInstance::~SingleInstance()
+{
+    if (m_socket)
+        ::unlink((m_folder + socketName).constData()); // before the lock goes and the name is another's
+}
+
+bool SingleInstance::claim()
+{
+    const QDeadlineTimer limit(longestWait);
+    do {
+        switch (tryLock()) {
+        case Lock::Taken:
+            listen();
+            return true;
+        case Lock::Impossible:
+            return true;
+        case Lock::Held:
+            if (tellFirst())
+                return false;
+        }
+        ::poll(nullptr, 0, pauseMilliseconds);
+    } while (!limit.hasExpired());
+    m_log.write(QStringLiteral("Kestro: it is running already, and couldn't be told of this start"));
+    return false;
+}
+
+SingleInstance::Lock SingleInstance::tryLock()
+{
+    const QByteArray path = m_folder + lockName;
+    FileDescriptor file(::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+    if (file && ::flock(file.get(), LOCK_EX | LOCK_NB) == 0) {
+        m_lock = std::move(file);
+        return Lock::Taken;
+    }
+    if (errno == EWOULDBLOCK)
+        return Lock::Held;
+    m_log.write(QStringLiteral("Kestro: couldn't lock %1: %2").arg(QFile::decodeName(path), AtomicFile::systemError()));
+    return Lock::Impossible;
+}
+
+bool SingleInstance::tellFirst() const
+{
+    const FileDescriptor socket = datagramSocket();
+    const InstanceAddress address(m_folder);
+    // With a full queue it has been told often enough.
+    return ::sendto(socket.get(), "s", 1, MSG_NOSIGNAL, address.get(), address.size()) == 1 || errno == EAGAIN;
+}
+
+void SingleInstance::listen()
+{
+    FileDescriptor socket = datagramSocket();
+    const InstanceAddress address(m_folder);
+    ::unlink((m_folder + socketName).constData());
+    ::fchmod(socket.get(), 0600); // is the mode of the name too
+    if (::bind(socket.get(), address.get(), address.size()) != 0) {
+        m_log.write(QStringLiteral("Kestro: couldn't listen for further starts: %1").arg(AtomicFile::systemError()));
+        return;
+    }
+    m_socket = std::move(socket);
+    m_notifier = std::make_unique<QSocketNotifier>(m_socket.get(), QSocketNotifier::Read);
+    connect(m_notifier.get(), &QSocketNotifier::activated, this, &SingleInstance::drain);
+}
+
+void SingleInstance::drain()
+{
+    char byte = 0;
+    bool told = false;
+    while (::recv(m_socket.get(), &byte, 1, 0) >= 0)
+        told = true;
+    if (told)
+        Q_EMIT secondStart();
+}
+
+} // namespace kestro

@@ -1,0 +1,71 @@
+#include "ThemedIcon.h"
+
+#include "GioPointer.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QIcon>
+#include <QImageReader>
+
+namespace kestro::ThemedIcon {
+namespace {
+
+// Scaled while it is read: a photograph named as an icon is never in memory whole.
+QImage fromFile(const QString& path, int pixels)
+{
+    if (!QFileInfo(path).isFile())
+        return {};
+    QImageReader reader(path);
+    const QSize size = reader.size();
+    if (size.isEmpty())
+        return {};
+    if (size.width() > pixels || size.height() > pixels || reader.format().startsWith("svg"))
+        reader.setScaledSize(size.scaled(pixels, pixels, Qt::KeepAspectRatio));
+    return reader.read();
+}
+
+QImage fromTheme(const QString& name, int pixels)
+{
+    const QIcon icon = QIcon::fromTheme(name);
+    if (icon.isNull())
+        return {};
+    // A scale of 1: the size is meant in pixels, whatever the screens are.
+    const QImage image = icon.pixmap(QSize(pixels, pixels), 1).toImage();
+    if (image.width() <= pixels && image.height() <= pixels)
+        return image;
+    return image.scaled(pixels, pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+}
+
+// From before there were themes; entries name these with and without their ending.
+QImage fromPixmaps(const QString& name, int pixels)
+{
+    for (const char* const ending : { "", ".png", ".svg", ".xpm" }) {
+        const QImage image = fromFile(QLatin1String("/usr/share/pixmaps/") + name + QLatin1String(ending), pixels);
+        if (!image.isNull())
+            return image;
+    }
+    return {};
+}
+
+} // namespace
+
+QImage image(GIcon* icon, int pixels)
+{
+    if (G_IS_FILE_ICON(icon)) {
+        const char* const path = g_file_peek_path(g_file_icon_get_file(G_FILE_ICON(icon)));
+        return path ? fromFile(QFile::decodeName(path), pixels) : QImage();
+    }
+    if (!G_IS_THEMED_ICON(icon))
+        return {};
+    const char* const* const names = g_themed_icon_get_names(G_THEMED_ICON(icon));
+    for (const char* const* name = names; *name; ++name) {
+        QImage found = fromTheme(QString::fromUtf8(*name), pixels);
+        if (found.isNull())
+            found = fromPixmaps(QString::fromUtf8(*name), pixels);
+        if (!found.isNull())
+            return found;
+    }
+    return {};
+}
+
+} // namespace kestro::ThemedIcon

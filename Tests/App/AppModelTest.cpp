@@ -1,0 +1,314 @@
+#include "Kestro/Application/AppModel.h"
+#include "KestroCore/Agents/HookInstaller.h"
+#include "Tests/Support/Fakes.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+#include <gmock/gmock.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace kestro {
+
+namespace {
+
+using test::FakePlatform;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class AppModelTest : public testing::Test {
+protected:
+    AppModel& start()
+    {
+        model = std::make_unique<AppModel>(platform.ports(), Folders::under(home.path()));
+        model->start();
+        platform.loop.turn();
+        return *model;
+    }
+    void set(const char* key, const QVariant& value) { platform.preferences.setValue(QString::fromLatin1(key), value); }
+    QVariant stored(const char* key) const { return platform.preferences.values.value(QString::fromLatin1(key)); }
+
+    QStringList layout() const
+    {
+        QStringList names;
+        for (const LaunchItem& item : model->launcher().store().items())
+            names.append(item.name());
+        return names;
+    }
+    LaunchItem item(WidgetKind kind) const
+    {
+        for (const LaunchItem& each : model->launcher().store().items()) {
+            if (each.widget() == kind)
+                return each;
+        }
+        ADD_FAILURE() << "no such widget in the layout";
+        return {};
+    }
+    bool hooked(Agent agent) const
+    {
+        QFile file(HookInstaller::configURL(agent, home.path()));
+        return file.open(QIODevice::ReadOnly) && file.readAll().contains(HookInstaller::marker);
+    }
+    QString socketPath() const
+    {
+        return home.path() + QStringLiteral("/Library/Application Support/Kestro/agents.sock");
+    }
+
+    /// Sends one hook's message and turns the loop until the model has it.
+    void send(const char* event, const char* id = "s", const char* cwd = "/home/u/kestro", const char* agent = "claude")
+    {
+        const QByteArray message = QByteArray("agent=") + agent + "\n{\"session_id\":\"" + id
+            + "\",\"hook_event_name\":\"" + event + "\",\"cwd\":\"" + cwd + "\"}";
+        const int client = ::socket(AF_UNIX, SOCK_STREAM, 0);
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        qstrncpy(address.sun_path, QFile::encodeName(socketPath()).constData(), sizeof address.sun_path);
+        ASSERT_EQ(0, ::connect(client, reinterpret_cast<const sockaddr*>(&address), sizeof address));
+        ASSERT_EQ(message.size(), ::write(client, message.constData(), std::size_t(message.size())));
+        char byte = 0;
+        ASSERT_EQ(0, ::read(client, &byte, 1)) << "the socket closes once it has handled the message";
+        ::close(client);
+        platform.loop.turn();
+    }
+    std::optional<AgentState> stateOf(const char* id) const
+    {
+        const auto found = model->store().sessions.find(QString::fromLatin1(id));
+        return found == model->store().sessions.end() ? std::nullopt : std::optional(found->second.state);
+    }
+
+    QTemporaryDir home;
+    FakePlatform platform;
+    std::unique_ptr<AppModel> model;
+};
+
+TEST_F(AppModelTest, startsWithTheWidgetsOfItsSwitches)
+{
+    start();
+    EXPECT_THAT(layout(), ElementsAre(QStringLiteral("Stats")));
+    EXPECT_FALSE(QFile::exists(socketPath()));
+    EXPECT_EQ(0, platform.loop.waiting()) << "with nothing to do nothing may wake";
+
+    // Turned in the file while nothing ran: the migration is long done, and the tile comes even so.
+    model.reset();
+    set("agentsEnabled", true);
+    start();
+    EXPECT_THAT(layout(), ElementsAre(QStringLiteral("Stats"), QStringLiteral("AI")));
+    model.reset();
+    set("agentsEnabled", false);
+    start();
+    EXPECT_THAT(layout(), ElementsAre(QStringLiteral("Stats")));
+}
+
+TEST_F(AppModelTest, aSwitchTurnedInTheFileActsAsOneTurnedHere)
+{
+    start();
+    set("agentsEnabled", true);
+    platform.loop.turn();
+    EXPECT_TRUE(model->agentsEnabled());
+    EXPECT_TRUE(hooked(Agent::claude));
+    EXPECT_TRUE(hooked(Agent::codex));
+    EXPECT_FALSE(hooked(Agent::cursor));
+    EXPECT_TRUE(QFile::exists(socketPath()));
+    EXPECT_THAT(layout(), ElementsAre(QStringLiteral("Stats"), QStringLiteral("AI")));
+
+    set("codexEnabled", false);
+    platform.loop.turn();
+    EXPECT_TRUE(hooked(Agent::claude));
+    EXPECT_FALSE(hooked(Agent::codex));
+
+    send("UserPromptSubmit");
+    EXPECT_EQ(AgentState::working, stateOf("s"));
+    set("agentsEnabled", QStringLiteral("rubbish"));
+    platform.loop.turn();
+    EXPECT_FALSE(hooked(Agent::claude));
+    EXPECT_FALSE(QFile::exists(socketPath()));
+    EXPECT_THAT(model->store().sessions, IsEmpty());
+    EXPECT_THAT(layout(), ElementsAre(QStringLiteral("Stats")));
+}
+
+TEST_F(AppModelTest, cursorIsAdoptedOnceAndOnlyWhereItLives)
+{
+    start().turn(FeatureSwitch::agents, true);
+    EXPECT_FALSE(stored("cursorEnabled").isValid()) << "without its folder nothing is decided";
+    model->turn(FeatureSwitch::cursor, true);
+    EXPECT_FALSE(hooked(Agent::cursor)) << "on, yet there is no folder to hook in";
+    EXPECT_THAT(model->agentErrorLines(), IsEmpty());
+
+    platform.preferences.values.remove(QStringLiteral("cursorEnabled"));
+    QDir(home.path()).mkdir(QStringLiteral(".cursor"));
+    model->turn(FeatureSwitch::agents, true);
+    EXPECT_EQ(QVariant(true), stored("cursorEnabled"));
+    EXPECT_TRUE(hooked(Agent::cursor));
+
+    model->turn(FeatureSwitch::cursor, false);
+    model->turn(FeatureSwitch::agents, true);
+    EXPECT_FALSE(hooked(Agent::cursor)) << "switched off by hand, it stays off";
+}
+
+TEST_F(AppModelTest, oneBrokenFileDoesNotStopTheOtherAgents)
+{
+    QDir(home.path()).mkdir(QStringLiteral(".claude"));
+    QFile broken(home.path() + QStringLiteral("/.claude/settings.json"));
+    ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
+    broken.write("{ not json");
+    broken.close();
+    start().turn(FeatureSwitch::agents, true);
+    ASSERT_EQ(1, model->agentErrorLines().size());
+    EXPECT_TRUE(model->agentErrorLines().first().startsWith(QStringLiteral("Couldn't update ")));
+    EXPECT_TRUE(model->agentErrorLines().first().endsWith(QStringLiteral("/.claude/settings.json — invalid JSON")));
+    EXPECT_TRUE(hooked(Agent::codex));
+    EXPECT_EQ(48, model->cardBodyHeight(WidgetKind::ai)) << "one line for the error, one for the lack of sessions";
+}
+
+TEST_F(AppModelTest, aSocketThatCannotStartIsToldAndTriedAgain)
+{
+    // The data folder is a file: no socket can be put in it.
+    QDir(home.path()).mkpath(QStringLiteral("Library/Application Support"));
+    QFile inTheWay(home.path() + QStringLiteral("/Library/Application Support/Kestro"));
+    ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
+    start().turn(FeatureSwitch::agents, true);
+    EXPECT_THAT(model->agentErrorLines(), ElementsAre(QStringLiteral("Agent status unavailable")));
+    EXPECT_TRUE(model->agentsEnabled());
+    inTheWay.remove();
+    model->applyAgents();
+    EXPECT_THAT(model->agentErrorLines(), IsEmpty());
+    EXPECT_TRUE(QFile::exists(socketPath()));
+}
+
+TEST_F(AppModelTest, sessionsAgeByTheTickerWhichSleepsWithoutThem)
+{
+    set("agentsEnabled", true);
+    start();
+    EXPECT_EQ(0, platform.loop.waiting());
+    send("Stop");
+    EXPECT_EQ(AgentState::done, model->agentBadge());
+    platform.loop.advance(3);
+    EXPECT_EQ(AgentState::done, model->agentBadge());
+    platform.loop.advance(1);
+    EXPECT_EQ(std::nullopt, model->agentBadge()) << "fresh for four seconds";
+    platform.loop.advance(595);
+    EXPECT_EQ(AgentState::done, stateOf("s"));
+    platform.loop.advance(1);
+    EXPECT_EQ(std::nullopt, stateOf("s"));
+    EXPECT_EQ(0, platform.loop.waiting());
+}
+
+TEST_F(AppModelTest, limitsAloneKeepTheSocketAndHearNoEvents)
+{
+    set("limitsEnabled", true);
+    set("agentsEnabled", true);
+    start();
+    model->turn(FeatureSwitch::agents, false);
+    ASSERT_TRUE(QFile::exists(socketPath()));
+    EXPECT_THAT(layout(), ElementsAre(QStringLiteral("Stats"), QStringLiteral("AI")));
+    send("UserPromptSubmit");
+    EXPECT_THAT(model->store().sessions, IsEmpty());
+    model->turn(FeatureSwitch::limits, false);
+    EXPECT_FALSE(QFile::exists(socketPath()));
+}
+
+TEST_F(AppModelTest, removingAWidgetTurnsItsFeatureOffAndItStaysAway)
+{
+    set("agentsEnabled", true);
+    set("limitsEnabled", true);
+    start();
+    model->removeItem(item(WidgetKind::ai));
+    platform.loop.turn();
+    EXPECT_FALSE(model->agentsEnabled());
+    EXPECT_FALSE(model->isOn(FeatureSwitch::limits));
+    EXPECT_EQ(QVariant(false), stored("limitsEnabled"));
+    EXPECT_THAT(layout(), ElementsAre(QStringLiteral("Stats")));
+
+    EXPECT_EQ(std::nullopt, model->addWidget(WidgetKind::ai));
+    EXPECT_TRUE(model->agentsEnabled());
+    EXPECT_THAT(layout(), ElementsAre(QStringLiteral("Stats"), QStringLiteral("AI")));
+}
+
+TEST_F(AppModelTest, aFullLayoutKeepsTheSwitchAndSaysSo)
+{
+    start();
+    for (int i = 0; i < 15; ++i) {
+        const QString path = QStringLiteral("/apps/%1.desktop").arg(i);
+        ASSERT_EQ(std::nullopt, model->launcher().add({ QUuid::createUuid(), LaunchItem::App{ path }, {} }));
+    }
+    EXPECT_EQ(QStringLiteral("The layout holds up to 16 items"), model->addWidget(WidgetKind::ai));
+    EXPECT_TRUE(model->agentsEnabled());
+    EXPECT_EQ(QStringLiteral("The layout holds up to 16 items"), model->addWidget(WidgetKind::shelf));
+}
+
+TEST_F(AppModelTest, theSelectionHoldsWhileOpenAndFallsBackToTheFirstWidget)
+{
+    set("agentsEnabled", true);
+    start();
+    EXPECT_EQ(WidgetKind::stats, model->shownWidget());
+    model->setExpanded(true);
+    model->click(item(WidgetKind::ai));
+    EXPECT_EQ(WidgetKind::ai, model->shownWidget());
+    model->removeItem(item(WidgetKind::ai));
+    EXPECT_EQ(WidgetKind::stats, model->shownWidget());
+    model->setExpanded(false);
+    EXPECT_EQ(std::nullopt, model->selectedWidget());
+    model->removeItem(item(WidgetKind::stats));
+    EXPECT_EQ(std::nullopt, model->shownWidget());
+}
+
+TEST_F(AppModelTest, widgetsWithoutACardAreNotShown)
+{
+    set("musicEnabled", true);
+    start();
+    EXPECT_THAT(layout(), ElementsAre(QStringLiteral("Stats"), QStringLiteral("Music")));
+    EXPECT_THAT(model->visibleWidgets(), ElementsAre(WidgetKind::stats));
+}
+
+TEST_F(AppModelTest, countersAreReadOnlyWhileTheSurfaceIsOpen)
+{
+    platform.counters.ticks = CPUTicks{ 0, 0, 100, 0 };
+    start();
+    const int before = platform.counters.readings;
+    platform.loop.advance(60);
+    EXPECT_EQ(before, platform.counters.readings);
+
+    platform.counters.ticks = CPUTicks{ 25, 0, 175, 0 };
+    model->setExpanded(true);
+    EXPECT_EQ(QStringLiteral("25%"), model->statsCard()->property("cpuText"));
+    EXPECT_EQ(QStringLiteral("4.0 / 16 GB"), model->statsCard()->property("memoryText"));
+    platform.loop.advance(4);
+    EXPECT_EQ(before + 3, platform.counters.readings) << "at once, then every two seconds";
+
+    platform.counters.ticks.reset();
+    platform.counters.used.reset();
+    platform.loop.advance(2);
+    EXPECT_EQ(QStringLiteral("–"), model->statsCard()->property("cpuText"));
+    EXPECT_EQ(QStringLiteral("–"), model->statsCard()->property("memoryText"));
+    model->setExpanded(false);
+    EXPECT_EQ(0, platform.loop.waiting());
+}
+
+TEST_F(AppModelTest, rowsTellOnlyWhatChanged)
+{
+    set("agentsEnabled", true);
+    start();
+    model->setExpanded(true);
+    send("UserPromptSubmit", "a");
+    platform.loop.advance(2);
+    send("PermissionRequest", "b", "/");
+    SessionRows& rows = *model->sessionRows();
+    ASSERT_EQ(2, rows.rowCount());
+    EXPECT_EQ(QStringLiteral("Needs input"), rows.data(rows.index(0), SessionRows::StateWord));
+    EXPECT_EQ(QStringLiteral("kestro"), rows.data(rows.index(1), SessionRows::Project));
+
+    QList<int> changed;
+    QObject::connect(&rows, &SessionRows::dataChanged, &rows, [&](const QModelIndex& at) { changed.append(at.row()); });
+    platform.loop.advance(57);
+    EXPECT_THAT(changed, IsEmpty()) << "nothing reads differently";
+    platform.loop.advance(1);
+    EXPECT_THAT(changed, ElementsAre(1));
+    EXPECT_EQ(QStringLiteral("1m ago"), rows.data(rows.index(1), SessionRows::Ago));
+}
+
+} // namespace
+
+} // namespace kestro

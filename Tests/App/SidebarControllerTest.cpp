@@ -1,0 +1,287 @@
+#include "Kestro/Launch/AppDelegate.h"
+#include "Tests/Support/Fakes.h"
+
+#include <QGuiApplication>
+#include <QTemporaryDir>
+#include <gmock/gmock.h>
+
+namespace kestro {
+
+namespace {
+
+using test::FakePlatform;
+
+constexpr QPointF away{ 400, 540 };
+
+/// The dock on a screen of 1920 by 1080 with Stats and AI on it: its strip is 52 points thick.
+class SidebarControllerTest : public testing::Test {
+protected:
+    void start(const QVariantMap& preferences = {})
+    {
+        platform.screens.setOne({ 1920, 1080 });
+        platform.pointer.at = away;
+        platform.preferences.values = preferences;
+        platform.preferences.values[QStringLiteral("agentsEnabled")] = true;
+        theme = std::make_unique<Theme>(platform.appearance);
+        engine = std::make_unique<QQmlEngine>();
+        theme->install(*engine);
+        model = std::make_unique<AppModel>(platform.ports(), Folders::under(home.path()));
+        sidebar = std::make_unique<SidebarController>(*model, *engine);
+        sidebar->setActive(true);
+        model->start();
+        platform.loop.turn();
+    }
+    ~SidebarControllerTest() override
+    {
+        sidebar.reset();
+        model.reset();
+    }
+    void set(const char* key, const QVariant& value)
+    {
+        platform.preferences.setValue(QString::fromLatin1(key), value);
+        platform.loop.turn();
+    }
+    /// As the strip's own window tells it: the pointer crossed its border.
+    void enter(QPointF point)
+    {
+        platform.pointer.moveTo(point);
+        for (QWindow* window : platform.panels.adopted) {
+            QEvent event(QEvent::Enter);
+            QCoreApplication::sendEvent(window, &event);
+        }
+        platform.loop.turn();
+    }
+    const SidebarFrame& frame() const { return *sidebar->state().frame(); }
+    QWindow& strip() const { return *platform.panels.adopted.first(); }
+
+    QTemporaryDir home;
+    FakePlatform platform;
+    std::unique_ptr<Theme> theme;
+    std::unique_ptr<QQmlEngine> engine;
+    std::unique_ptr<AppModel> model;
+    std::unique_ptr<SidebarController> sidebar;
+};
+
+TEST_F(SidebarControllerTest, standsOnEachEdge)
+{
+    start();
+    const struct {
+        const char* edge;
+        QRectF dock, band;
+    } rows[] = {
+        { "right", { 1868, 474, 52, 134 }, { 1844, 0, 76, 1080 } },
+        { "left", { 0, 474, 52, 134 }, { 0, 0, 76, 1080 } },
+        { "bottom", { 893, 0, 134, 52 }, { 0, 0, 1920, 76 } },
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.edge);
+        set("sidebarEdge", QString::fromLatin1(row.edge));
+        EXPECT_EQ(row.dock.size(), frame().dock.size());
+        EXPECT_EQ(row.band, frame().band);
+        EXPECT_NEAR(row.dock.center().x(), frame().dock.center().x(), 1);
+        EXPECT_NEAR(row.dock.center().y(), frame().dock.center().y(), 70);
+        EXPECT_TRUE(strip().isVisible());
+        EXPECT_EQ(sidebar->state().dockRect().toAlignedRect(), platform.panels.shapes.value(&strip()).boundingRect());
+    }
+}
+
+TEST_F(SidebarControllerTest, aHoveredWidgetOpensItsCardWhichClosesHalfASecondAfterThePointerLeft)
+{
+    start();
+    EXPECT_EQ(0, platform.pointer.watches()) << "at rest nothing follows the pointer";
+    enter(frame().dock.center());
+    sidebar->hoverItem(1);
+    platform.loop.turn();
+    EXPECT_TRUE(sidebar->cardShown());
+    EXPECT_EQ(WidgetKind::ai, model->shownWidget());
+
+    platform.pointer.moveTo(away);
+    platform.loop.advance(0.4);
+    platform.pointer.moveTo(frame().dock.center());
+    platform.loop.advance(5);
+    EXPECT_TRUE(sidebar->cardShown()) << "coming back in time keeps it";
+    platform.pointer.moveTo(away);
+    platform.loop.advance(0.49);
+    EXPECT_TRUE(sidebar->cardShown());
+    platform.loop.advance(0.02);
+    EXPECT_FALSE(sidebar->cardShown());
+    EXPECT_FALSE(model->expanded());
+    EXPECT_EQ(0, platform.pointer.watches());
+}
+
+TEST_F(SidebarControllerTest, theCardStandsByItsIconAndGrowsWithItsRows)
+{
+    start();
+    model->setSelectedWidget(WidgetKind::ai);
+    platform.loop.turn();
+    const QWindow* card = platform.panels.adopted.at(1);
+    const QRect first = card->geometry();
+    EXPECT_LE(first.right(), 1868);
+    EXPECT_NEAR(first.center().y(), 1080 - frame().anchorOf(1, SidebarEdge::right), 1);
+    model->setSelectedWidget(WidgetKind::stats);
+    platform.loop.turn();
+    EXPECT_EQ(first.height() + 54, card->geometry().height()) << "78 points of cells for one row of 24";
+}
+
+TEST_F(SidebarControllerTest, autoHideShowsAtTheEdgeAndHidesAgain)
+{
+    start({ { QStringLiteral("sidebarVisibility"), QStringLiteral("autoHide") } });
+    EXPECT_FALSE(sidebar->state().revealed());
+    EXPECT_FALSE(strip().isVisible());
+    platform.pointer.moveTo({ 1919, 10 });
+    EXPECT_FALSE(sidebar->state().revealed()) << "the edge beyond the dock's ends does nothing";
+    platform.pointer.moveTo({ 1919, 540 });
+    EXPECT_TRUE(sidebar->state().revealed());
+    EXPECT_TRUE(strip().isVisible());
+    platform.pointer.moveTo(away);
+    platform.loop.advance(0.5);
+    EXPECT_FALSE(sidebar->state().revealed());
+    platform.loop.advance(0.25);
+    EXPECT_FALSE(strip().isVisible()) << "once it has faded";
+}
+
+TEST_F(SidebarControllerTest, aFastPointerThatLeavesAcrossTheDockRevealsIt)
+{
+    start({ { QStringLiteral("sidebarVisibility"), QStringLiteral("autoHide") } });
+    platform.pointer.moveTo({ 2500, 540 });
+    EXPECT_FALSE(sidebar->state().revealed()) << "the first sample has none before it";
+    platform.pointer.moveTo({ 1800, 540 });
+    platform.pointer.moveTo({ 2500, 540 });
+    EXPECT_TRUE(sidebar->state().revealed());
+}
+
+TEST_F(SidebarControllerTest, thePillOpensWhereItIsTouched)
+{
+    start({ { QStringLiteral("sidebarVisibility"), QStringLiteral("pill") } });
+    EXPECT_TRUE(frame().collapsed);
+    EXPECT_EQ(QSizeF(6, 44), frame().dock.size());
+    enter({ 1918, 550 });
+    EXPECT_FALSE(frame().collapsed);
+    EXPECT_NEAR(550, frame().dock.center().y(), 1);
+    platform.pointer.moveTo(away);
+    platform.loop.advance(0.6);
+    EXPECT_TRUE(frame().collapsed);
+}
+
+TEST_F(SidebarControllerTest, openedByKeyItStaysUntilThePointerHasComeAndGone)
+{
+    start();
+    sidebar->toggle();
+    platform.loop.turn();
+    EXPECT_TRUE(sidebar->cardShown());
+    platform.pointer.moveTo({ 500, 500 });
+    platform.loop.advance(5);
+    EXPECT_TRUE(sidebar->cardShown());
+    platform.pointer.moveTo(frame().dock.center());
+    platform.pointer.moveTo(away);
+    platform.loop.advance(0.6);
+    EXPECT_FALSE(sidebar->cardShown());
+    sidebar->toggle();
+    sidebar->toggle();
+    EXPECT_FALSE(sidebar->cardShown());
+}
+
+TEST_F(SidebarControllerTest, thePointerMagnifiesAndItsShapeOnlyGrowsUntilItLeaves)
+{
+    start({ { QStringLiteral("dockMagnification"), true } });
+    const QRectF rest = frame().dock;
+    enter(rest.center());
+    EXPECT_GT(frame().dock.height(), rest.height());
+    EXPECT_NEAR(36 * 1.6 + 16, frame().arrangement.layout.thickness, 4);
+    EXPECT_EQ(rest.height(), frame().rest.height());
+    const QRect shape = platform.panels.shapes.value(&strip()).boundingRect();
+    platform.pointer.moveTo(rest.center() + QPointF(0, 40));
+    EXPECT_TRUE(platform.panels.shapes.value(&strip()).boundingRect().contains(shape));
+    platform.pointer.moveTo(away);
+    EXPECT_EQ(rest, frame().dock);
+    EXPECT_EQ(sidebar->state().dockRect().toAlignedRect(), platform.panels.shapes.value(&strip()).boundingRect());
+}
+
+TEST_F(SidebarControllerTest, reducedMotionMagnifiesNothing)
+{
+    platform.appearance.current.reduceMotion = true;
+    start({ { QStringLiteral("dockMagnification"), true } });
+    enter(frame().dock.center());
+    EXPECT_EQ(36 + 16, frame().dock.width());
+}
+
+TEST_F(SidebarControllerTest, aChangeOfEdgeClosesTheCardAndOneOfTintDoesNot)
+{
+    start();
+    sidebar->toggle();
+    platform.loop.turn();
+    set("sidebarTint", QStringLiteral("blue"));
+    EXPECT_TRUE(sidebar->cardShown());
+    set("sidebarEdge", QStringLiteral("left"));
+    EXPECT_FALSE(sidebar->cardShown());
+}
+
+TEST_F(SidebarControllerTest, aLostScreenFallsBackToTheFirst)
+{
+    start({ { QStringLiteral("sidebarScreen"), QStringLiteral("Two") } });
+    EXPECT_EQ(1844, frame().band.x());
+    const QRectF second(1920, 56, 1280, 1024);
+    platform.screens.screens.append({ { 2, second, false }, QStringLiteral("Two"), second, 1 });
+    Q_EMIT platform.screens.changed();
+    EXPECT_EQ(3200 - 76, frame().band.x());
+    platform.screens.screens.removeLast();
+    Q_EMIT platform.screens.changed();
+    EXPECT_EQ(1844, frame().band.x());
+    EXPECT_EQ(QStringLiteral("Two"), platform.preferences.values.value(QStringLiteral("sidebarScreen")));
+    platform.screens.screens.clear();
+    Q_EMIT platform.screens.changed();
+    enter(away);
+}
+
+TEST_F(SidebarControllerTest, theMenuMovesAddsAndRemoves)
+{
+    start();
+    const auto titles = [this](int row, bool vertical) {
+        QStringList list;
+        for (const MenuEntry& entry : itemMenuEntries(*model, model->visibleItems().at(row), vertical))
+            list.append(entry.isSeparator() ? QStringLiteral("-") : entry.enabled ? entry.title : entry.title + u'!');
+        return list.join(u'|');
+    };
+    const auto run = [this](int row, const char* title) {
+        for (const MenuEntry& entry : itemMenuEntries(*model, model->visibleItems().at(row), true)) {
+            if (entry.title == QLatin1StringView(title))
+                entry.action();
+        }
+        platform.loop.turn();
+    };
+    EXPECT_EQ(QStringLiteral("Move Up!|Move Down|Add Divider After|-|Remove (turns Stats off)"), titles(0, true));
+    EXPECT_EQ(QStringLiteral("Move Left|Move Right!|Add Divider After|-|Remove (turns AI off)"), titles(1, false));
+    run(0, "Add Divider After");
+    EXPECT_TRUE(model->visibleItems().at(1).isDivider());
+    EXPECT_EQ(QStringLiteral("Move Up|Move Down|Add Divider After|-|Remove"), titles(1, true));
+    run(0, "Move Down");
+    EXPECT_TRUE(model->visibleItems().at(0).isDivider());
+    run(2, "Remove (turns AI off)");
+    EXPECT_FALSE(model->agentsEnabled());
+    EXPECT_EQ(2, model->visibleItems().size());
+
+    ASSERT_EQ(std::nullopt,
+        model->launcher().add(
+            { QUuid::createUuid(), LaunchItem::Link{ QUrl(QStringLiteral("https://example.org")), {} }, {} }));
+    EXPECT_EQ(QStringLiteral("Open|-|Move Up|Move Down!|Add Divider After|-|Remove"), titles(2, true));
+    run(2, "Open");
+    EXPECT_EQ(QStringList(QStringLiteral("https://example.org")), platform.workspace.opened);
+}
+
+TEST_F(SidebarControllerTest, anEmptyLayoutOpensAndClosesWithoutACard)
+{
+    start({ { QStringLiteral("sidebarVisibility"), QStringLiteral("autoHide") } });
+    while (!model->visibleItems().isEmpty())
+        model->removeItem(model->visibleItems().first());
+    platform.loop.turn();
+    sidebar->toggle();
+    EXPECT_TRUE(sidebar->state().revealed());
+    EXPECT_FALSE(sidebar->cardShown());
+    EXPECT_EQ(36 + 16 + 20 + 20, frame().dock.height()) << "one icon's length, the cap and the flares";
+    sidebar->toggle();
+    EXPECT_FALSE(sidebar->state().revealed());
+}
+
+} // namespace
+
+} // namespace kestro

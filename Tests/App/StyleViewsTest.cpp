@@ -1,0 +1,183 @@
+#include "Tests/Support/Fakes.h"
+
+#include <Kestro/Style/Figures.h>
+#include <Kestro/Style/Spinner.h>
+#include <Kestro/Style/Theme.h>
+
+#include <QQmlComponent>
+#include <QQmlContext>
+#include <QQmlEngine>
+#include <QQmlProperty>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QSignalSpy>
+#include <QTest>
+#include <gtest/gtest.h>
+
+namespace kestro {
+
+namespace {
+
+using test::FakeAppearance;
+
+constexpr char imports[] = "import QtQuick\nimport Kestro.Style\nimport Kestro.Agents\nimport Kestro.Statistics\n";
+
+/// A window of views made from a line of QML; what the engine complains about fails the test.
+class StyleViews : public testing::Test {
+protected:
+    static void SetUpTestSuite() { QQuickWindow::setSceneGraphBackend(QStringLiteral("software")); }
+
+    QQuickItem& show(const char* qml)
+    {
+        QObject::connect(&engine, &QQmlEngine::warnings,
+            [](const QList<QQmlError>& errors) { ADD_FAILURE() << errors.first().toString().toStdString(); });
+        theme.install(engine);
+        QQmlComponent component(&engine);
+        component.setData(QByteArray(imports) + qml, QUrl());
+        item.reset(qobject_cast<QQuickItem*>(component.create()));
+        EXPECT_TRUE(item) << component.errorString().toStdString();
+        window.setWidth(400);
+        window.setHeight(300);
+        item->setParentItem(window.contentItem());
+        window.show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(&window));
+        window.requestActivate();
+        return *item;
+    }
+
+    static QString accessible(QObject* object, const char* property)
+    {
+        return QQmlProperty::read(
+            object, QStringLiteral("Accessible.") + QLatin1StringView(property), qmlContext(object))
+            .toString();
+    }
+
+    /// The names that a screen reader finds in what is shown, in order.
+    static QStringList names(const QQuickItem& root)
+    {
+        QStringList found;
+        for (QQuickItem* child : root.childItems()) {
+            if (!child->isVisible()) {
+                continue;
+            }
+            const QString name = accessible(child, "name");
+            found += name.isEmpty() ? names(*child) : QStringList(name);
+        }
+        return found;
+    }
+
+    FakeAppearance appearance;
+    Theme theme{ appearance };
+    QQmlEngine engine;
+    QQuickWindow window;
+    std::unique_ptr<QQuickItem> item;
+};
+
+constexpr char sessions[] = R"(
+        AgentList { width: 360; limit: 2; errorLines: ["Broken file"]; rows: ListModel {
+            ListElement { agentSymbol: "sparkle"; project: "kestro"; stateWord: "Needs input"; stateName: "needsInput"; ago: "now" }
+            ListElement { agentSymbol: "cursorarrow.rays"; project: ""; stateWord: "Done"; stateName: "done"; ago: "2m ago" }
+            ListElement { agentSymbol: "sparkle"; project: "third"; stateWord: "Idle"; stateName: "idle"; ago: "1h ago" }
+        } })";
+
+} // namespace
+
+TEST_F(StyleViews, AreNamedByWhatTheyShow)
+{
+    struct Case {
+        const char* qml;
+        QStringList expected;
+    };
+    for (const Case& c : {
+             Case{ sessions,
+                 { QStringLiteral("Broken file"), QStringLiteral("kestro, Needs input, now"),
+                     QStringLiteral("–, Done, 2m ago") } },
+             Case{ "AgentList { rows: ListModel {} }", { QStringLiteral("No active sessions") } },
+             Case{ "StatsRow { width: 300; cpuText: '12%'; cpuLevel: 0.12; memoryText: '3.1 / 24 GB' }",
+                 { QStringLiteral("CPU 12%"), QStringLiteral("MEMORY 3.1 / 24 GB") } },
+             Case{ "StatsRow { width: 300; showRAM: false }", { QStringLiteral("CPU –") } },
+         }) {
+        StyleViews::item.reset();
+        EXPECT_EQ(names(show(c.qml)), c.expected) << c.qml;
+    }
+}
+
+TEST_F(StyleViews, ShowTheirBarOnlyWithALevel)
+{
+    QQuickItem& cell = show("MeterBar { width: 100; level: -1 }");
+    EXPECT_FALSE(cell.isVisible());
+    cell.setProperty("level", 0);
+    EXPECT_TRUE(cell.isVisible());
+}
+
+TEST_F(StyleViews, APressByAnyHandIsOnePress)
+{
+    QQuickItem& row = show("MenuRow { width: 120; label: 'Remove'; focus: true }");
+    QSignalSpy pressed(&row, SIGNAL(pressed()));
+    row.forceActiveFocus();
+    QObject* attached = nullptr;
+    for (QObject* child : row.children()) {
+        attached = child->inherits("QQuickAccessibleAttached") ? child : attached;
+    }
+    ASSERT_TRUE(attached);
+
+    const auto pressEveryWay = [&] {
+        QTest::mouseClick(&window, Qt::LeftButton, {}, QPoint(20, 10));
+        QTest::keyClick(&window, Qt::Key_Return);
+        QTest::keyClick(&window, Qt::Key_Space);
+        QMetaObject::invokeMethod(attached, "pressAction");
+    };
+    pressEveryWay();
+    EXPECT_EQ(pressed.count(), 4);
+    EXPECT_EQ(accessible(&row, "description"), QString());
+
+    row.setEnabled(false);
+    pressEveryWay();
+    EXPECT_EQ(pressed.count(), 4) << "disabled";
+    EXPECT_EQ(accessible(&row, "description"), QStringLiteral("dimmed"));
+}
+
+TEST_F(StyleViews, TheSpinnerRestsWhileItIsNotSeen)
+{
+    QQuickItem& parent = show("Item { Spinner {} }");
+    auto* spinner = qobject_cast<Spinner*>(parent.childItems().first());
+    ASSERT_TRUE(spinner);
+    EXPECT_TRUE(spinner->isTurning());
+    parent.setVisible(false);
+    EXPECT_FALSE(spinner->isTurning());
+    parent.setVisible(true);
+    EXPECT_TRUE(spinner->isTurning());
+    window.hide();
+    EXPECT_FALSE(spinner->isTurning());
+}
+
+TEST_F(StyleViews, FiguresDoNotDance)
+{
+    Figures figures;
+    figures.setFont(theme.captionFont());
+    figures.setText(QStringLiteral("111m ago"));
+    const qreal narrow = figures.implicitWidth();
+    figures.setText(QStringLiteral("888m ago"));
+    EXPECT_EQ(figures.implicitWidth(), narrow);
+}
+
+TEST_F(StyleViews, EveryPieceLoadsAndFollowsTheTheme)
+{
+    QQuickItem& column = show(R"(Column {
+        Tile { kind: "ai"; symbol: Symbols.sparkle }
+        Badge { wingState: "working" }
+        CardSurface { width: 100; height: 60 }
+        DockSurface { width: 60; height: 10; anchorEdge: "bottom"; tintName: "blue" }
+        ToolTipBubble { text: "AI" }
+        HoverButton { symbol: Symbols.xmark; label: "Close" }
+        MenuDivider { width: 100 }
+    })");
+    const auto fill = [&] { return column.childItems().at(2)->property("fill").value<QColor>(); };
+    const QColor light = fill();
+    appearance.current.dark = true;
+    Q_EMIT appearance.changed();
+    EXPECT_NE(fill(), light);
+    EXPECT_FALSE(window.grabWindow().isNull());
+}
+
+} // namespace kestro

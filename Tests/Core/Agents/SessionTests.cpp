@@ -1,0 +1,158 @@
+#include "KestroCore/Agents/SessionStore.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+
+namespace kestro {
+namespace {
+
+constexpr Date start{ 1000 };
+using S = AgentState;
+
+AgentEvent event(const char* name, const char* id = "a", const char* folder = "", Agent agent = Agent::claude)
+{
+    return { agent, QString::fromUtf8(id), QString::fromUtf8(folder), QString::fromUtf8(name) };
+}
+
+/// A store with one session "a" that the event brought into being.
+SessionStore after(const char* name, Date at = start)
+{
+    SessionStore store;
+    store.apply(event(name), at);
+    return store;
+}
+
+std::optional<AgentState> stateOf(const SessionStore& store)
+{
+    const auto found = store.sessions.find(QStringLiteral("a"));
+    return found == store.sessions.end() ? std::nullopt : std::optional(found->second.state);
+}
+
+TEST(SessionStore, FollowsEvents)
+{
+    constexpr std::optional<AgentState> none;
+    const struct {
+        const char* name;
+        std::optional<AgentState> fromNothing, fromIdle, fromAsking, fromDone;
+    } table[]{
+        { "SessionEnd", none, none, none, none },
+        { "sessionEnd", none, none, none, none },
+        { "SessionStart", S::idle, S::idle, S::needsInput, S::done },
+        { "sessionStart", S::idle, S::idle, S::needsInput, S::done },
+        { "UserPromptSubmit", S::working, S::working, S::working, S::working },
+        { "PostToolUse", S::working, S::working, S::working, S::working },
+        { "beforeSubmitPrompt", S::working, S::working, S::working, S::working },
+        { "postToolUse", S::working, S::working, S::working, S::working },
+        { "PermissionRequest", S::needsInput, S::needsInput, S::needsInput, S::needsInput },
+        { "Stop", S::done, S::done, S::done, S::done },
+        { "stop", S::done, S::done, S::done, S::done },
+        { "Interrupt", S::idle, S::idle, S::idle, S::idle },
+    };
+    for (const auto& row : table) {
+        SCOPED_TRACE(row.name);
+        const std::pair<SessionStore, std::optional<AgentState>> befores[]{ { {}, row.fromNothing },
+            { after("SessionStart"), row.fromIdle }, { after("PermissionRequest"), row.fromAsking },
+            { after("Stop"), row.fromDone } };
+        for (auto [store, expected] : befores) {
+            store.apply(event(row.name), start + 9);
+            EXPECT_EQ(stateOf(store), expected);
+            for (const Session& session : store.sorted())
+                EXPECT_EQ(session.lastEventAt, start + 9);
+        }
+    }
+    for (const char* name : { "", "STOP", "interrupt", "permissionRequest", "PreToolUse", "Stop " }) {
+        SCOPED_TRACE(name);
+        for (const SessionStore& before : { SessionStore(), after("PermissionRequest") }) {
+            SessionStore store = before;
+            store.apply(event(name, "a", "/elsewhere"), start + 9);
+            EXPECT_EQ(store, before);
+        }
+    }
+}
+
+TEST(SessionStore, NamesTheProjectByTheFolder)
+{
+    const std::pair<const char*, const char*> table[]{ { "/home/u/dock", "dock" }, { "/home/u/dock/", "dock" },
+        { "/home/u//dock///", "dock" }, { "/", "/" }, { "///", "/" }, { "dock", "dock" }, { "a/b", "b" }, { "d/", "d" },
+        { "/w/my app.git", "my app.git" }, { "", "before" } };
+    for (const auto& [folder, project] : table) {
+        SCOPED_TRACE(folder);
+        SessionStore store;
+        store.apply(event("Stop", "a", "/w/before"), start);
+        store.apply(event("SessionStart", "a", folder, Agent::codex), start);
+        const Session expected{ QStringLiteral("a"), Agent::codex, QString::fromUtf8(project), S::done, start };
+        EXPECT_EQ(store.sorted(), std::vector{ expected });
+    }
+    EXPECT_EQ(after("Stop").sorted().front().project, QString());
+}
+
+TEST(SessionStore, PrunesAtTheAge)
+{
+    const struct {
+        const char* event;
+        double keptAt, goneAt;
+    } table[]{
+        { "Stop", 599.9, 600 },
+        { "SessionStart", std::nextafter(1800, 0), 1800 },
+        { "PostToolUse", 1799.9, 1800 },
+        { "PermissionRequest", 1799.9, 1800 },
+    };
+    for (const auto& row : table) {
+        SCOPED_TRACE(row.event);
+        SessionStore store = after(row.event, Date{ 0 });
+        store.prune(Date{ -5 }); // the clock was set back
+        store.prune(Date{ row.keptAt });
+        EXPECT_TRUE(stateOf(store));
+        store.prune(Date{ row.goneAt });
+        EXPECT_FALSE(stateOf(store));
+    }
+}
+
+TEST(SessionStore, CountsAndLightsTheWing)
+{
+    const struct {
+        std::vector<const char*> events; // of one session each
+        int working, asking;
+        std::optional<AgentState> wing; // 3.9 s later
+    } table[]{
+        { {}, 0, 0, {} },
+        { { "SessionStart", "Interrupt" }, 0, 0, {} },
+        { { "SessionStart", "Stop" }, 0, 0, S::done },
+        { { "Stop", "PostToolUse", "stop" }, 1, 0, S::working },
+        { { "PostToolUse", "PermissionRequest", "Stop", "postToolUse" }, 2, 1, S::needsInput },
+    };
+    for (const auto& row : table) {
+        SCOPED_TRACE(row.events.size());
+        SessionStore store;
+        for (size_t i = 0; i < row.events.size(); ++i)
+            store.apply(event(row.events[i], std::to_string(i).c_str()), start);
+        EXPECT_EQ(store.workingCount(), row.working);
+        EXPECT_EQ(store.needsInputCount(), row.asking);
+        EXPECT_EQ(store.activeCount(), row.working + row.asking);
+        EXPECT_EQ(store.wingState(start + 3.9), row.wing);
+        EXPECT_EQ(store.wingState(start + 4), row.wing == S::done ? std::nullopt : row.wing);
+    }
+}
+
+TEST(SessionStore, SortsTheNewestFirstAndEqualsById)
+{
+    SessionStore store;
+    const std::pair<const char*, double> events[]{ { "c", 1 }, { "b", 2 }, { "d", 1 }, { "a", 1 }, { "e", 3 } };
+    for (const auto& [id, at] : events)
+        store.apply(event("Stop", id), Date{ at });
+    QString order;
+    for (const Session& session : store.sorted())
+        order += session.id;
+    EXPECT_EQ(order, QStringLiteral("ebacd"));
+}
+
+TEST(Session, TellsItsAge)
+{
+    const std::pair<double, const char*> table[]{ { -90, "now" }, { 0, "now" }, { 59.9, "now" }, { 60, "1m ago" },
+        { 119.9, "1m ago" }, { 3599.9, "59m ago" }, { 3600, "1h ago" }, { 7199, "1h ago" }, { 360000, "100h ago" } };
+    for (const auto& [seconds, text] : table)
+        EXPECT_EQ(agoText(seconds), QString::fromUtf8(text)) << seconds;
+}
+
+} // namespace
+} // namespace kestro

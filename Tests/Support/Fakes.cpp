@@ -1,0 +1,126 @@
+#include "Tests/Support/Fakes.h"
+
+namespace kestro::test {
+
+void FakePreferences::setValue(const QString& key, const QVariant& value)
+{
+    if (values.value(key) == value)
+        return;
+    if (value.isValid())
+        values[key] = value;
+    else
+        values.remove(key);
+    if (m_changed.isEmpty()) {
+        m_loop.post([this] {
+            const QStringList keys = std::exchange(m_changed, {});
+            Q_EMIT changed(keys);
+        });
+    }
+    if (!m_changed.contains(key))
+        m_changed.append(key);
+}
+
+void FakeScreens::setOne(QSizeF size)
+{
+    const QRectF frame(QPointF(), size);
+    screens = { Screen{ { 1, frame, false }, QStringLiteral("One"), frame, 1 } };
+    Q_EMIT changed();
+}
+
+class FakePointer::Watch final : public PointerWatch {
+public:
+    Watch(FakePointer& owner, std::list<std::function<void()>>::iterator place)
+        : m_owner(owner)
+        , m_place(place)
+    {
+    }
+    ~Watch() override { m_owner.m_watchers.erase(m_place); }
+
+private:
+    FakePointer& m_owner;
+    std::list<std::function<void()>>::iterator m_place;
+};
+
+std::unique_ptr<PointerWatch> FakePointer::watch(std::function<void()> moved)
+{
+    return std::make_unique<Watch>(*this, m_watchers.insert(m_watchers.end(), std::move(moved)));
+}
+
+void FakePointer::moveTo(QPointF point)
+{
+    at = point;
+    const auto watchers = m_watchers; // a watcher may end its own watch
+    for (const auto& moved : watchers)
+        moved();
+}
+
+std::optional<QString> FakeWorkspace::displayName(const QString& path) const
+{
+    const QString name = names.value(path);
+    return name.isEmpty() ? std::nullopt : std::optional(name);
+}
+
+QImage FakeWorkspace::icon(const QString& path, int pixels) const
+{
+    iconsAsked.append(path);
+    QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::green);
+    return image;
+}
+
+void FakeWorkspace::openApplication(const QString& path, std::function<void(const QString&)> failed)
+{
+    opened.append(path);
+    if (!openFailure.isEmpty())
+        failed(openFailure);
+}
+
+bool FakeWorkspace::openUrl(const QUrl& url)
+{
+    opened.append(url.toString());
+    return openFailure.isEmpty();
+}
+
+bool FakeWorkspace::moveToTrash(const QString& path)
+{
+    trashed.append(path);
+    return true;
+}
+
+std::optional<QString> FakeWorkspace::bundleIdentifier(const QString& path) const
+{
+    return bundles.contains(path) ? std::optional(bundles.value(path)) : std::nullopt;
+}
+
+class FakeFetcher::Handle final : public Fetch {
+public:
+    explicit Handle(std::list<std::function<void(const FetchResult&)>>::iterator place)
+        : m_place(place)
+    {
+    }
+    ~Handle() override { *m_place = nullptr; }
+
+private:
+    std::list<std::function<void(const FetchResult&)>>::iterator m_place;
+};
+
+std::unique_ptr<Fetch> FakeFetcher::get(
+    const QUrl& url, double timeoutSeconds, qint64 maxBytes, std::function<void(const FetchResult&)> done)
+{
+    asked.append(url);
+    lastTimeout = timeoutSeconds;
+    lastMaxBytes = maxBytes;
+    return std::make_unique<Handle>(m_waiting.insert(m_waiting.end(), std::move(done)));
+}
+
+void FakeFetcher::answer(const FetchResult& result)
+{
+    for (auto& each : m_waiting) {
+        if (auto done = std::exchange(each, nullptr)) {
+            done(result);
+            return;
+        }
+    }
+}
+
+} // namespace kestro::test
