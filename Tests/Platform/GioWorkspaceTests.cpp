@@ -183,7 +183,8 @@ TEST_F(GioWorkspaceTest, MovesToTheTrash)
     EXPECT_FALSE(m_workspace.moveToTrash(m_folder.filePath(QStringLiteral("missing"))));
     // Where temporary files are on a disk of their own there may be no trash for them: what counts is a true answer.
     const QString file = write(QStringLiteral("file"), "x");
-    EXPECT_EQ(m_workspace.moveToTrash(file), !QFile::exists(file));
+    const bool moved = m_workspace.moveToTrash(file);
+    EXPECT_NE(QFile::exists(file), moved);
 }
 
 } // namespace

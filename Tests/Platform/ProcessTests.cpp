@@ -123,6 +123,8 @@ TEST(LastFlush, RunsOnceHoweverTheProcessEnds)
     for (const auto& c : cases) {
         Pipe pipe;
         Child child([&] {
+            // The handlers from before the fork would wait for threads that only the parent has.
+            std::atexit([] { ::_exit(0); });
             {
                 LastFlush flush([&] {
                     [[maybe_unused]] const auto written = ::write(pipe.writer.get(), "x", 1);
