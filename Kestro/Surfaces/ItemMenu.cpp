@@ -2,7 +2,6 @@
 
 #include "Kestro/Application/AppModel.h"
 #include "Kestro/Platform/Screens.h"
-#include "KestroCore/Support/Geometry.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -34,11 +33,12 @@ QList<MenuEntry> itemMenuEntries(AppModel& model, const LaunchItem& item, bool v
     return entries;
 }
 
-ItemMenu::ItemMenu(QQmlEngine& engine, const Screens& screens, QList<MenuEntry> entries, QPointF at,
-    const QRectF& screen, std::function<void()> ended)
+ItemMenu::ItemMenu(QQmlEngine& engine, const Screens& screens, QList<MenuEntry> entries,
+    const std::function<QRectF(QSizeF)>& place, std::function<void()> ended)
     : m_entries(std::move(entries))
     , m_ended(std::move(ended))
 {
+    // Of the types that no window manager touches, the one that a screen reader is told of.
     setFlags(Qt::ToolTip | Qt::FramelessWindowHint);
     QSurfaceFormat format = requestedFormat();
     format.setAlphaBufferSize(8);
@@ -54,9 +54,7 @@ ItemMenu::ItemMenu(QQmlEngine& engine, const Screens& screens, QList<MenuEntry> 
         QVariantMap{ { QStringLiteral("menu"), QVariant::fromValue(this) }, { QStringLiteral("entries"), rows } });
 
     const QSizeF size(m_host->root().implicitWidth(), m_host->root().implicitHeight());
-    const double x = std::clamp(at.x(), screen.x(), geometry::maxX(screen) - size.width());
-    const double y = std::clamp(at.y() - size.height(), screen.y(), geometry::maxY(screen) - size.height());
-    setGeometry(screens.toWindowSystem(QRectF(QPointF(x, y), size)).toRect());
+    setGeometry(screens.toWindowSystem(place(size)).toRect());
     show();
 }
 

@@ -30,9 +30,9 @@ QList<MenuEntry> itemMenuEntries(AppModel& model, const LaunchItem& item, bool v
 class ItemMenu final : public QQuickWindow {
     Q_OBJECT
 public:
-    /// Opens with its corner at `at`, in screen coordinates, kept on `screen`.
-    ItemMenu(QQmlEngine& engine, const Screens& screens, QList<MenuEntry> entries, QPointF at, const QRectF& screen,
-        std::function<void()> ended);
+    /// Opens where `place` puts a menu of its size, in screen coordinates.
+    ItemMenu(QQmlEngine& engine, const Screens& screens, QList<MenuEntry> entries,
+        const std::function<QRectF(QSizeF)>& place, std::function<void()> ended);
 
     /// Chooses a row: runs its action unless it is disabled.
     Q_INVOKABLE void choose(int row);

@@ -192,7 +192,7 @@ void SidebarController::setRevealed(bool revealed)
 {
     if (m_state.revealed() == revealed)
         return;
-    m_state.setRevealed(revealed);
+    m_state.setRevealed(revealed, true);
     m_orderOutWork.cancel();
     if (revealed) {
         layout();
@@ -276,7 +276,7 @@ void SidebarController::reloadPrefs(bool force)
     m_orderOutWork.cancel();
     m_pillOpen = false;
     m_pointer.reset();
-    m_state.setRevealed(prefs.visibility != DockVisibility::autoHide);
+    m_state.setRevealed(prefs.visibility != DockVisibility::autoHide, false);
     if (!m_state.revealed()) {
         m_strip.orderOut();
         m_model.setExpanded(false);
@@ -324,9 +324,13 @@ void SidebarController::openMenu(int row)
         return;
     m_toolTip.hide();
     m_hideWork.cancel();
-    const bool vertical = m_state.prefs().edge != SidebarEdge::bottom;
+    const SidebarEdge edge = m_state.prefs().edge;
+    const QPointF point = m_platform.pointer.location();
+    const auto beside = [dock = m_state.frame()->dock, bounds = on->visibleFrame, edge, point](QSizeF size) {
+        return DockGeometry::cardFrame(size, dock, edge == SidebarEdge::bottom ? point.x() : point.y(), edge, bounds);
+    };
     m_menu = std::make_unique<ItemMenu>(m_engine, m_platform.screens,
-        itemMenuEntries(m_model, m_state.items()->item(row), vertical), m_platform.pointer.location(), on->info.frame,
+        itemMenuEntries(m_model, m_state.items()->item(row), edge != SidebarEdge::bottom), beside,
         [this] { menuEnded(); });
 }
 

@@ -9,7 +9,10 @@ Item {
     required property var dock
 
     opacity: dock.revealed ? 1 : 0
-    Behavior on opacity { NumberAnimation { duration: Theme.reduceMotion ? 0 : 200 } }
+    Behavior on opacity {
+        enabled: root.dock.fades
+        NumberAnimation { duration: Theme.reduceMotion ? 0 : 200 }
+    }
 
     DockSurface {
         x: root.dock.dockRect.x

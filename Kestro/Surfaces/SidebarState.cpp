@@ -25,10 +25,11 @@ void SidebarState::setFrame(const SidebarFrame& frame)
     m_items.show(frame, m_prefs.edge);
 }
 
-void SidebarState::setRevealed(bool revealed)
+void SidebarState::setRevealed(bool revealed, bool fades)
 {
     if (m_revealed == revealed)
         return;
+    m_fades = fades;
     m_revealed = revealed;
     Q_EMIT revealedChanged();
 }

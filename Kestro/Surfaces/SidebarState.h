@@ -19,6 +19,8 @@ class SidebarState final : public QObject {
     Q_PROPERTY(QString tint READ tint NOTIFY prefsChanged)
     Q_PROPERTY(bool monochrome READ monochrome NOTIFY prefsChanged)
     Q_PROPERTY(bool revealed READ revealed NOTIFY revealedChanged)
+    /// Whether it comes and goes gently, as it does before the user's eyes; a new placement simply stands.
+    Q_PROPERTY(bool fades READ fades NOTIFY revealedChanged)
 public:
     explicit SidebarState(AppModel& model);
 
@@ -30,7 +32,8 @@ public:
     void setFrame(const SidebarFrame& frame);
 
     bool revealed() const { return m_revealed; }
-    void setRevealed(bool revealed);
+    bool fades() const { return m_fades; }
+    void setRevealed(bool revealed, bool fades);
 
     DockItemsModel* items() { return &m_items; }
     QRectF dockRect() const;
@@ -52,6 +55,7 @@ private:
     SidebarPrefs m_prefs;
     bool m_monochrome = false;
     bool m_revealed = false;
+    bool m_fades = false;
     std::optional<SidebarFrame> m_frame;
     DockItemsModel m_items;
 };

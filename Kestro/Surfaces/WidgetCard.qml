@@ -58,16 +58,19 @@ Item {
     Component {
         id: statistics
 
-        StatsRow {
-            readonly property var card: root.model.statsCard
+        Item {
+            StatsRow {
+                readonly property var card: root.model.statsCard
 
-            cpuText: card.cpuText
-            cpuLevel: card.cpuLevel
-            memoryText: card.memoryText
-            memoryLevel: card.memoryLevel
-            showCPU: card.showCPU
-            showRAM: card.showRAM
-            barStyle: card.barStyle
+                anchors { left: parent.left; right: parent.right; verticalCenter: parent.verticalCenter }
+                cpuText: card.cpuText
+                cpuLevel: card.cpuLevel
+                memoryText: card.memoryText
+                memoryLevel: card.memoryLevel
+                showCPU: card.showCPU
+                showRAM: card.showRAM
+                barStyle: card.barStyle
+            }
         }
     }
 }

@@ -20,6 +20,7 @@ protected:
     {
         qputenv("XDG_DATA_HOME", QFile::encodeName(s_data.path()));
         qputenv("XDG_DATA_DIRS", QFile::encodeName(s_data.path()));
+        qputenv("LANGUAGE", "de");
         qputenv("XDG_CONFIG_HOME", QFile::encodeName(s_data.path()));
         // Without an address GIO would start a bus and leave it running.
         if (qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS"))
@@ -68,6 +69,10 @@ TEST_F(GioWorkspaceTest, KnowsAnApplicationFromAnythingElse)
         { "a.desktop", "[Desktop Entry]\nType=Application\nName=Files\nExec=true\n", QStringLiteral("Files") },
         { "utf8.desktop", "[Desktop Entry]\nType=Application\nName=Caf\xC3\xA9\nExec=true %U\n",
             QStringLiteral("Caf\u00e9") },
+        { "tongues.desktop", "[Desktop Entry]\nType=Application\nName=Files\nName[de]=Dateien\nExec=\"true\" %U\n",
+            QStringLiteral("Dateien") },
+        { "try.desktop", "[Desktop Entry]\nType=Application\nName=X\nExec=true\nTryExec=no-such-program\n",
+            std::nullopt },
         { "link.desktop", "[Desktop Entry]\nType=Link\nName=Link\nURL=https://example.org\n", std::nullopt },
         { "hidden.desktop", "[Desktop Entry]\nType=Application\nName=X\nExec=true\nHidden=true\n", std::nullopt },
         { "gone.desktop", "[Desktop Entry]\nType=Application\nName=X\nExec=/nonexistent/x\n", std::nullopt },

@@ -132,7 +132,7 @@ QString createFolder(const QString& path)
          slash = clean.indexOf(QLatin1Char('/'), slash + 1)) {
         const QByteArray folder = QFile::encodeName(clean.left(slash));
         if (::mkdir(folder.constData(), 0700) != 0) {
-            const QString error = systemError();
+            QString error = systemError();
             if (!QFileInfo(clean.left(slash)).isDir())
                 return error;
         }

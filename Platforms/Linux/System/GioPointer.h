@@ -9,11 +9,15 @@ namespace kestro {
 
 struct GioRelease {
     void operator()(void* object) const { g_object_unref(object); }
+    void operator()(char* text) const { g_free(text); }
     void operator()(GKeyFile* file) const { g_key_file_unref(file); }
 };
 
 /// A reference that is ours to give back: a GObject, or one of the types above.
 template <typename T> using GioPointer = std::unique_ptr<T, GioRelease>;
+
+/// Text that GLib made for us.
+using GioText = std::unique_ptr<char[], GioRelease>;
 
 /// Takes an error out of a call: pass `error.out()` where GLib wants a GError**.
 class GioError {

@@ -20,16 +20,41 @@ bool isEntry(const QString& path)
     return file.suffix() == QLatin1String("desktop") && file.isFile() && file.size() <= largestEntry;
 }
 
-// From the text alone: by its file name, GIO would watch every folder of entries from a thread of its own.
-GioPointer<GDesktopAppInfo> readEntry(const QString& path)
+QString entryText(GKeyFile* entry, const char* key)
+{
+    const GioText text(g_key_file_get_locale_string(entry, G_KEY_FILE_DESKTOP_GROUP, key, nullptr, nullptr));
+    return QString::fromUtf8(text.get());
+}
+
+bool programExists(const char* program) { return program && GioText(g_find_program_in_path(program)); }
+
+// Whether the first word of the command line is a program; without a word there is none.
+bool canStart(GKeyFile* entry)
+{
+    const GioText condition(g_key_file_get_string(entry, G_KEY_FILE_DESKTOP_GROUP, "TryExec", nullptr));
+    if (condition && *condition && !programExists(condition.get()))
+        return false;
+    const GioText line(g_key_file_get_string(entry, G_KEY_FILE_DESKTOP_GROUP, "Exec", nullptr));
+    char** words = nullptr;
+    if (!line || !g_shell_parse_argv(line.get(), nullptr, &words, nullptr))
+        return false;
+    const bool exists = programExists(words[0]);
+    g_strfreev(words);
+    return exists;
+}
+
+// Read here and not by GDesktopAppInfo: its first use lists every application there is, and watches their folders from
+// a thread of its own for as long as we run. Nothing where `path` is not an application that can be started.
+GioPointer<GKeyFile> readEntry(const QString& path)
 {
     if (!isEntry(path))
         return nullptr;
-    const GioPointer<GKeyFile> text(g_key_file_new());
-    if (!g_key_file_load_from_file(text.get(), QFile::encodeName(path).constData(), G_KEY_FILE_NONE, nullptr))
+    GioPointer<GKeyFile> entry(g_key_file_new());
+    if (!g_key_file_load_from_file(entry.get(), QFile::encodeName(path).constData(), G_KEY_FILE_NONE, nullptr))
         return nullptr;
-    GioPointer<GDesktopAppInfo> entry(g_desktop_app_info_new_from_keyfile(text.get()));
-    return entry && !g_desktop_app_info_get_is_hidden(entry.get()) ? std::move(entry) : nullptr;
+    const bool application = entryText(entry.get(), "Type") == QLatin1String("Application")
+        && !g_key_file_get_boolean(entry.get(), G_KEY_FILE_DESKTOP_GROUP, "Hidden", nullptr) && canStart(entry.get());
+    return application ? std::move(entry) : nullptr;
 }
 
 // The local files alone: asking for the default ones starts helpers for remote places.
@@ -90,13 +115,14 @@ std::optional<QString> GioWorkspace::displayName(const QString& path) const
     const auto entry = readEntry(path);
     if (!entry)
         return std::nullopt;
-    return QString::fromUtf8(g_app_info_get_name(G_APP_INFO(entry.get())));
+    const QString name = entryText(entry.get(), "Name");
+    return name.isEmpty() ? std::nullopt : std::optional(name);
 }
 
 QImage GioWorkspace::icon(const QString& path, int pixels) const
 {
     if (const auto entry = readEntry(path))
-        return ThemedIcon::image(g_app_info_get_icon(G_APP_INFO(entry.get())), pixels);
+        return ThemedIcon::named(entryText(entry.get(), "Icon"), pixels);
     const GioPointer<GFileInfo> info(g_file_query_info(
         localFile(path).get(), G_FILE_ATTRIBUTE_STANDARD_ICON, G_FILE_QUERY_INFO_NONE, nullptr, nullptr));
     return info ? ThemedIcon::image(g_file_info_get_icon(info.get()), pixels) : QImage();

@@ -41,7 +41,7 @@ public:
             else if (c == '}' || c == ']')
                 --depth;
         }
-        const QByteArray found = m_text.sliced(from, m_at - from).trimmed().toByteArray();
+        QByteArray found = m_text.sliced(from, m_at - from).trimmed().toByteArray();
         if (m_at < m_text.size() && m_text[m_at] != '}')
             ++m_at;
         return found;

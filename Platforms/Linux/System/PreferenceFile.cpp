@@ -230,7 +230,7 @@ QString PreferenceFile::setAside(const QByteArray& target, const QByteArray& con
         if (::rename(m_path.constData(), m_corruptPath.constData()) != 0)
             return AtomicFile::systemError();
     } else { // a link stays a link
-        const QString error = AtomicFile::write(m_corruptPath, content);
+        QString error = AtomicFile::write(m_corruptPath, content);
         if (!error.isEmpty())
             return error;
         if (::unlink(target.constData()) != 0)

@@ -30,17 +30,17 @@ QImage fromTheme(const QString& name, int pixels)
     if (icon.isNull())
         return {};
     // A scale of 1: the size is meant in pixels, whatever the screens are.
-    const QImage image = icon.pixmap(QSize(pixels, pixels), 1).toImage();
+    QImage image = icon.pixmap(QSize(pixels, pixels), 1).toImage();
     if (image.width() <= pixels && image.height() <= pixels)
         return image;
     return image.scaled(pixels, pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
 }
 
-// From before there were themes; entries name these with and without their ending.
+// From before there were themes.
 QImage fromPixmaps(const QString& name, int pixels)
 {
-    for (const char* const ending : { "", ".png", ".svg", ".xpm" }) {
-        const QImage image = fromFile(QLatin1String("/usr/share/pixmaps/") + name + QLatin1String(ending), pixels);
+    for (const char* const ending : { ".png", ".svg", ".xpm" }) {
+        QImage image = fromFile(QLatin1String("/usr/share/pixmaps/") + name + QLatin1String(ending), pixels);
         if (!image.isNull())
             return image;
     }
@@ -48,6 +48,20 @@ QImage fromPixmaps(const QString& name, int pixels)
 }
 
 } // namespace
+
+QImage named(const QString& name, int pixels)
+{
+    if (name.startsWith(QLatin1Char('/')))
+        return fromFile(name, pixels);
+    QString stem = name;
+    // A common mistake in desktop entries.
+    for (const char* const ending : { ".png", ".svg", ".xpm" }) {
+        if (stem.endsWith(QLatin1String(ending)))
+            stem.chop(4);
+    }
+    QImage found = fromTheme(stem, pixels);
+    return found.isNull() ? fromPixmaps(stem, pixels) : found;
+}
 
 QImage image(GIcon* icon, int pixels)
 {
@@ -57,11 +71,8 @@ QImage image(GIcon* icon, int pixels)
     }
     if (!G_IS_THEMED_ICON(icon))
         return {};
-    const char* const* const names = g_themed_icon_get_names(G_THEMED_ICON(icon));
-    for (const char* const* name = names; *name; ++name) {
-        QImage found = fromTheme(QString::fromUtf8(*name), pixels);
-        if (found.isNull())
-            found = fromPixmaps(QString::fromUtf8(*name), pixels);
+    for (const char* const* name = g_themed_icon_get_names(G_THEMED_ICON(icon)); *name; ++name) {
+        QImage found = named(QString::fromUtf8(*name), pixels);
         if (!found.isNull())
             return found;
     }

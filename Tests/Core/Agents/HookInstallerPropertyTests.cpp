@@ -13,54 +13,38 @@
 namespace kestro {
 namespace {
 
-class Generator {
-public:
-    explicit Generator(unsigned seed)
-        : m_random(seed)
-    {
-    }
+const QString hooksKey = QStringLiteral("hooks");
+
+struct Generator {
+    std::mt19937 random;
 
     QJsonObject file()
     {
         QJsonObject root = object(2);
         if (below(8))
-            root[QStringLiteral("hooks")] = below(10) ? QJsonValue(hooks()) : value(1);
+            root[hooksKey] = below(10) ? QJsonValue(hooks()) : value(1);
         if (!below(4))
             root[QStringLiteral("version")] = value(0);
         return root;
     }
     Agent agent() { return allAgents.at(below(allAgents.size())); }
 
-private:
-    unsigned below(std::size_t limit) { return static_cast<unsigned>(m_random() % limit); }
+    unsigned below(std::size_t limit) { return static_cast<unsigned>(random() % limit); }
 
-    QString key()
-    {
-        static const char* const keys[] = { "", "a", "command", "hooks", "version", "é/\"", "\u2028", "# kestro-hook" };
-        return QString::fromUtf8(keys[below(std::size(keys))]);
-    }
+    QString oneOf(const std::vector<const char*>& texts) { return QString::fromUtf8(texts[below(texts.size())]); }
+    QString key() { return oneOf({ "", "a", "command", "hooks", "version", "é/\"", "\u2028", "# kestro-hook" }); }
     QString text()
     {
-        static const char* const texts[] = { "", "beep", "x; exit 0 # kestro-hook", "y # ombrel-hook", "# Kestro-hook",
-            "kestro-hook", "a\\/b \U0001F600" };
-        return QString::fromUtf8(texts[below(std::size(texts))]);
+        return oneOf({ "", "beep", "x; exit 0 # kestro-hook", "y # ombrel-hook", "# Kestro-hook", "kestro-hook",
+            "a\\/b \U0001F600" });
     }
     QJsonValue value(int depth)
     {
-        switch (below(depth > 0 ? 6 : 4)) {
-        case 0:
-            return {};
-        case 1:
-            return below(2) == 0;
-        case 2:
-            return static_cast<int>(below(5)) - 2;
-        case 3:
-            return text();
-        case 4:
-            return object(depth - 1);
-        default:
-            return QJsonArray{ value(depth - 1), value(depth - 1) };
-        }
+        const QJsonValue plain[] = { {}, below(2) == 0, int(below(5)) - 2, text() };
+        const unsigned kind = below(depth > 0 ? 6 : 4);
+        return kind < 4 ? plain[kind]
+            : kind == 4 ? QJsonValue(object(depth - 1))
+                        : QJsonValue(QJsonArray{ value(depth - 1), value(depth - 1) });
     }
     QJsonObject object(int depth)
     {
@@ -78,7 +62,7 @@ private:
             QJsonArray inner;
             for (unsigned count = below(3); count > 0; --count)
                 inner.append(below(8) ? QJsonValue(QJsonObject{ { QStringLiteral("command"), text() } }) : value(1));
-            result[QStringLiteral("hooks")] = inner;
+            result[hooksKey] = inner;
         }
         return below(20) ? QJsonValue(result) : value(0);
     }
@@ -95,15 +79,12 @@ private:
         }
         return result;
     }
-
-    std::mt19937 m_random;
 };
 
 bool carriesMarker(const QJsonValue& command)
 {
-    return command.isString()
-        && (command.toString().contains(QLatin1String("# kestro-hook"))
-            || command.toString().contains(QLatin1String("# ombrel-hook")));
+    const QString text = command.toString();
+    return text.contains(QLatin1String("# kestro-hook")) || text.contains(QLatin1String("# ombrel-hook"));
 }
 
 bool isOurs(const QJsonValue& entry)
@@ -119,22 +100,21 @@ bool isOurs(const QJsonValue& entry)
     return found;
 }
 
-/// The file without ours and without events of `emptied` that hold nothing: those that had nothing to begin with are
-/// lost when ours was their only entry for a while.
-QJsonObject without(QJsonObject root, const QStringList& emptied)
+QJsonArray foreign(const QJsonArray& entries)
 {
-    const QString name = QStringLiteral("hooks");
-    if (!root.value(name).isObject())
-        return root;
+    QJsonArray kept;
+    std::ranges::remove_copy_if(entries, std::back_inserter(kept), isOurs);
+    return kept;
+}
+
+/// The file without ours, and without the events of `emptied` that hold nothing.
+QJsonObject without(QJsonObject root, const QStringList& emptied = {})
+{
+    const QJsonObject hooks = root.value(hooksKey).toObject();
     QJsonObject kept;
     bool dropped = !emptied.isEmpty();
-    const QJsonObject hooks = root.value(name).toObject();
     for (auto event = hooks.begin(); event != hooks.end(); ++event) {
-        QJsonArray entries;
-        for (const QJsonValue& entry : event->toArray()) {
-            if (!isOurs(entry))
-                entries.append(entry);
-        }
+        const QJsonArray entries = foreign(event->toArray());
         const bool here = entries.size() < event->toArray().size();
         dropped = dropped || here;
         if (!here && !(emptied.contains(event.key()) && event->isArray() && entries.isEmpty()))
@@ -143,49 +123,60 @@ QJsonObject without(QJsonObject root, const QStringList& emptied)
             kept[event.key()] = entries;
     }
     if (dropped && kept.isEmpty())
-        root.remove(name);
-    else
-        root[name] = kept;
+        root.remove(hooksKey);
+    else if (root.value(hooksKey).isObject())
+        root[hooksKey] = kept;
     return root;
 }
 
-bool takesHooks(const QJsonObject& root, Agent agent)
+/// The file with ours, one behind the others of each event, or nothing where it cannot take them.
+std::optional<QJsonObject> with(QJsonObject root, Agent agent)
 {
-    const QJsonValue hooks = without(root, {}).value(QLatin1String("hooks"));
-    if (!hooks.isUndefined() && !hooks.isObject())
-        return false;
-    const QStringList events = HookInstaller::events(agent);
-    return std::all_of(events.begin(), events.end(), [&hooks](const QString& event) {
-        const QJsonValue entries = hooks.toObject().value(event);
-        return entries.isUndefined() || entries.isArray();
-    });
+    root = without(root);
+    if (root.contains(hooksKey) && !root.value(hooksKey).isObject())
+        return std::nullopt;
+    QJsonObject hook{ { QStringLiteral("command"), HookInstaller::command(agent) } };
+    if (agent == Agent::cursor && !root.contains(QLatin1String("version")))
+        root[QStringLiteral("version")] = 1;
+    if (agent != Agent::cursor) {
+        hook[QStringLiteral("type")] = QStringLiteral("command");
+        hook = { { hooksKey, QJsonArray{ hook } } };
+    }
+    QJsonObject hooks = root.value(hooksKey).toObject();
+    for (const QString& event : HookInstaller::events(agent)) {
+        if (hooks.contains(event) && !hooks.value(event).isArray())
+            return std::nullopt;
+        QJsonArray entries = hooks.value(event).toArray();
+        entries.append(hook);
+        hooks[event] = entries;
+    }
+    root[hooksKey] = hooks;
+    return root;
 }
 
 TEST(HookInstallerProperties, WhatComesGoes)
 {
+    const auto read = [](const QByteArray& data) { return QJsonDocument::fromJson(data).object(); };
     int installed = 0;
     int refused = 0;
     for (unsigned seed = 0; seed < 600; ++seed) {
         SCOPED_TRACE(seed);
-        Generator generate(seed);
+        Generator generate{ std::mt19937(seed) };
         const QJsonObject root = generate.file();
         const Agent agent = generate.agent();
         const QByteArray file = QJsonDocument(root).toJson(QJsonDocument::Compact);
-        const auto removed = [](const QByteArray& data) {
-            return QJsonDocument::fromJson(HookInstaller::uninstall(data, {})).object();
-        };
-        ASSERT_EQ(removed(file), without(root, {}));
-        if (!takesHooks(root, agent)) {
+        ASSERT_EQ(read(HookInstaller::uninstall(file, {})), without(root));
+        const auto expected = with(root, agent);
+        if (!expected) {
             EXPECT_THROW(HookInstaller::install(file, agent, {}), HookInstallerError);
             ++refused;
             continue;
         }
         const QByteArray once = HookInstaller::install(file, agent, {});
+        ASSERT_EQ(read(once), *expected) << file.toStdString();
         ASSERT_EQ(HookInstaller::install(once, agent, {}), once);
-        QJsonObject expected = without(root, HookInstaller::events(agent));
-        if (agent == Agent::cursor && !expected.contains(QLatin1String("version")))
-            expected[QLatin1String("version")] = 1;
-        ASSERT_EQ(removed(once), expected) << file.toStdString();
+        // Events that had nothing to begin with are lost when ours was their only entry for a while.
+        ASSERT_EQ(read(HookInstaller::uninstall(once, {})), without(*expected, HookInstaller::events(agent)));
         ++installed;
     }
     EXPECT_GT(installed, 300);

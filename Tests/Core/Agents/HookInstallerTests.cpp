@@ -3,7 +3,6 @@
 #include "KestroCore/Agents/HookInstallerError.h"
 #include "Tests/Core/Support/FolderSnapshot.h"
 
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
@@ -15,9 +14,15 @@ namespace {
 
 using namespace tests;
 
-const QString path = QStringLiteral("~/x.json");
+QJsonObject object(const QByteArray& text)
+{
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(text, &error);
+    EXPECT_EQ(error.error, QJsonParseError::NoError) << text.toStdString();
+    return document.object();
+}
 
-/// Stands in a test's JSON for an entry of ours, in each of its forms.
+/// Puts an entry into a test's JSON where its name stands: ours in each of its forms, or another's.
 QByteArray withEntries(const char* text)
 {
     return QByteArray(text)
@@ -28,30 +33,20 @@ QByteArray withEntries(const char* text)
         .replace("THEIRS", R"({"hooks":[{"command":"beep","type":"command"}],"matcher":"Edit"})");
 }
 
-QJsonObject object(const QByteArray& text)
-{
-    QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(text, &error);
-    EXPECT_EQ(error.error, QJsonParseError::NoError) << text.toStdString();
-    return document.object();
-}
-
-/// Our entries in what was installed, by event.
-QMap<QString, int> ours(const QJsonObject& root)
-{
-    QMap<QString, int> counts;
-    const QJsonObject hooks = root[QStringLiteral("hooks")].toObject();
-    for (auto event = hooks.begin(); event != hooks.end(); ++event) {
-        const QByteArray text = QJsonDocument(event->toArray()).toJson();
-        if (const auto count = text.count(HookInstaller::marker) + text.count(HookInstaller::legacyMarker))
-            counts[event.key()] = static_cast<int>(count);
-    }
-    return counts;
-}
-
 TEST(HookInstaller, WritesWhatTheAgentsRead)
 {
-    EXPECT_EQ(HookInstaller::install(std::nullopt, Agent::cursor, path),
+    const QByteArray send = R"(cat; } | nc -U -w1 \"$HOME/Library/Application Support/Kestro/agents.sock\")"
+                            " >/dev/null 2>&1; exit 0 # kestro-hook\"";
+    const QByteArray nested = R"([{"hooks":[{"type":"command","command":"{ echo \"agent=claude\"; )" + send + "}]}]";
+    QByteArray expected = "{\"hooks\":{";
+    for (const char* event : { "SessionStart", "UserPromptSubmit", "PostToolUse", "PermissionRequest", "Stop" })
+        expected += '"' + QByteArray(event) + "\":" + nested + ',';
+    expected += "\"SessionEnd\":" + nested;
+    const auto installed = [](Agent agent) { return HookInstaller::install(std::nullopt, agent, {}); };
+    EXPECT_EQ(object(installed(Agent::claude)), object(expected + "}}"));
+    expected += ",\"Interrupt\":" + nested;
+    EXPECT_EQ(object(installed(Agent::codex)), object(expected.replace("agent=claude", "agent=codex") + "}}"));
+    EXPECT_EQ(installed(Agent::cursor),
         QByteArray(R"({
   "hooks": {
     "beforeSubmitPrompt": [
@@ -73,98 +68,32 @@ TEST(HookInstaller, WritesWhatTheAgentsRead)
   "version": 1
 }
 )")
-            .replace("COMMAND", R"({
-        "command": "echo '{\"continue\":true}'; { echo \"agent=cursor\"; cat; } | nc -U -w1 \"$HOME/Library/Application Support/Kestro/agents.sock\" >/dev/null 2>&1; exit 0 # kestro-hook"
-      })"));
-
-    const QJsonObject claude = object(HookInstaller::install(QByteArray(), Agent::claude, path));
-    EXPECT_EQ(claude.keys(), QStringList{ QStringLiteral("hooks") });
-    EXPECT_EQ(claude[QStringLiteral("hooks")][QStringLiteral("PermissionRequest")], QJsonArray({ object(R"({"hooks":[
-        {"type":"command","command":"{ echo \"agent=claude\"; cat; } | nc -U -w1 \"$HOME/Library/Application Support/Kestro/agents.sock\" >/dev/null 2>&1; exit 0 # kestro-hook"}
-        ]})") }));
-
-    const char* codexEvents[] = { "Interrupt", "PermissionRequest", "PostToolUse", "SessionEnd", "SessionStart", "Stop",
-        "UserPromptSubmit" };
-    QStringList expected;
-    for (const char* event : codexEvents)
-        expected += QLatin1String(event);
-    EXPECT_EQ(ours(object(HookInstaller::install(std::nullopt, Agent::codex, path))).keys(), expected);
-    expected.removeFirst();
-    EXPECT_EQ(ours(claude).keys(), expected);
+            .replace("COMMAND",
+                R"({
+        "command": "echo '{\"continue\":true}'; { echo \"agent=cursor\"; )"
+                    + send + "\n      }"));
 }
 
 TEST(HookInstaller, Uninstalls)
 {
-    const struct {
-        const char* name;
-        const char* before;
-        const char* after; // none: as before
-    } cases[] = {
-        { "nothing of ours", R"({"a":{"b":[1.50]},"hooks":{"Stop":[THEIRS],"Empty":[]}})", nullptr },
-        { "the last of all", R"({"a":1,"hooks":{"Stop":[OURS]}})", R"({"a":1})" },
-        { "the last root key", R"({"hooks":{"Stop":[OURS],"Start":[OURS]}})", "{}" },
-        { "the last of an event", R"({"hooks":{"Stop":[OURS],"Start":[THEIRS]}})", R"({"hooks":{"Start":[THEIRS]}})" },
-        { "an unknown event", R"({"hooks":{"Whatever":[THEIRS,OURS,THEIRS]}})",
-            R"({"hooks":{"Whatever":[THEIRS,THEIRS]}})" },
-        { "several of all forms", R"({"hooks":{"Stop":[FLAT,OLD,THEIRS,OURS,OURS]}})",
-            R"({"hooks":{"Stop":[THEIRS]}})" },
-        { "with a foreign command inside", R"({"hooks":{"Stop":[MIXED,THEIRS]}})", R"({"hooks":{"Stop":[THEIRS]}})" },
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        { "nothing of ours", R"({"hooks":{"Stop":[THEIRS],"Empty":[]}})", R"({"hooks":{"Stop":[THEIRS],"Empty":[]}})" },
+        { "the last of all", R"({"a":1,"hooks":{"Stop":[OURS],"Start":[OURS]}})", R"({"a":1})" },
+        { "the last of an event", R"({"hooks":{"Stop":[OURS],"Start":[]}})", R"({"hooks":{"Start":[]}})" },
+        { "an unknown event", R"({"hooks":{"é\"\u0000":[THEIRS,OURS]}})", R"({"hooks":{"é\"\u0000":[THEIRS]}})" },
+        { "all forms", R"({"hooks":{"Stop":[FLAT,OLD,THEIRS,OURS,OURS]}})", R"({"hooks":{"Stop":[THEIRS]}})" },
+        { "a foreign command inside", R"({"hooks":{"Stop":[MIXED,THEIRS]}})", R"({"hooks":{"Stop":[THEIRS]}})" },
         { "the version stays", R"({"version":2,"hooks":{"stop":[FLAT]}})", R"({"version":2})" },
-        { "hooks of another type", R"({"hooks":[FLAT]})", nullptr },
-        { "an event of another type", R"({"hooks":{"Stop":FLAT,"Start":"# kestro-hook","End":null}})", nullptr },
-        { "an empty event beside ours", R"({"hooks":{"Stop":[OURS],"Start":[]}})", R"({"hooks":{"Start":[]}})" },
-        { "the marker elsewhere", R"({"hooks":{"Stop":[{"matcher":"# kestro-hook","command":["# kestro-hook"]}]}})",
-            nullptr },
-        { "inner hooks not all objects", R"({"hooks":{"Stop":[{"hooks":[1,FLAT]}]}})", nullptr },
-        { "inner hooks one object", R"({"hooks":{"Stop":[{"hooks":FLAT}]}})", nullptr },
+        { "hooks of another type", R"({"hooks":[FLAT]})", R"({"hooks":[FLAT]})" },
+        { "inner hooks not all objects", R"({"hooks":{"Stop":[{"hooks":[1,FLAT]}]}})",
+            R"({"hooks":{"Stop":[{"hooks":[1,FLAT]}]}})" },
         { "beside what is no entry", R"({"hooks":{"Stop":[1,OURS,null]}})", R"({"hooks":{"Stop":[1,null]}})" },
-        { "odd keys", R"({"hooks":{"":[OURS],"é/\"\u0000":[THEIRS]}})", R"({"hooks":{"é/\"\u0000":[THEIRS]}})" },
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        const QByteArray after = HookInstaller::uninstall(withEntries(c.before), path);
-        EXPECT_EQ(object(after), object(withEntries(c.after ? c.after : c.before))) << after.toStdString();
+    for (const auto& [name, before, after] : cases) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(object(HookInstaller::uninstall(withEntries(before), {})), object(withEntries(after)));
     }
-    EXPECT_EQ(HookInstaller::uninstall(std::nullopt, path), "{}\n");
-    EXPECT_EQ(HookInstaller::uninstall(QByteArray(), path), "{}\n");
-}
-
-TEST(HookInstaller, InstallsBehindOthersOnce)
-{
-    const char* files[] = {
-        "{}",
-        R"({"hooks":{}})",
-        R"({"hooks":{"Stop":[THEIRS],"stop":[THEIRS]}})",
-        R"({"hooks":{"Stop":[OLD,THEIRS,OURS,THEIRS],"stop":[FLAT]}})",
-        R"({"hooks":{"Gone":[OURS],"Stop":[MIXED]}})",
-        R"({"hooks":{"Stop":[1,OURS,"x"],"stop":[1,FLAT]}})",
-    };
-    for (const char* file : files) {
-        for (const Agent agent : allAgents) {
-            SCOPED_TRACE(file);
-            const QByteArray once = HookInstaller::install(withEntries(file), agent, path);
-            const QJsonObject root = object(once);
-            QMap<QString, int> expected;
-            for (const QString& event : HookInstaller::events(agent)) {
-                expected[event] = 1;
-                const QJsonArray entries = root[QStringLiteral("hooks")][event].toArray();
-                EXPECT_TRUE(QJsonDocument(entries.last().toObject()).toJson().contains(HookInstaller::marker));
-            }
-            EXPECT_EQ(ours(root), expected);
-            EXPECT_FALSE(once.contains(HookInstaller::legacyMarker));
-            EXPECT_EQ(HookInstaller::install(once, agent, path), once);
-        }
-    }
-}
-
-TEST(HookInstaller, KeepsAnExistingVersion)
-{
-    for (const QByteArray version : { "2", "\"x\"", "null", "1.0" }) {
-        SCOPED_TRACE(version.toStdString());
-        const QByteArray data = "{\"version\":" + version + '}';
-        EXPECT_TRUE(HookInstaller::install(data, Agent::cursor, path).contains("\"version\": " + version + '\n'));
-    }
-    EXPECT_FALSE(HookInstaller::install(std::nullopt, Agent::codex, path).contains("version"));
+    EXPECT_EQ(HookInstaller::uninstall(std::nullopt, {}), "{}\n");
 }
 
 /// The home folder of a user with one file for Claude Code.
@@ -175,10 +104,10 @@ protected:
 
     QString home(const char* name) const { return m_home.filePath(QLatin1String(name)); }
     QString settings() const { return home(".claude/settings.json"); }
-    void writeSettings(const QByteArray& bytes, mode_t mode = 0600) const
+    void writeSettings(const QByteArray& bytes) const
     {
         QDir(m_home.path()).mkdir(QStringLiteral(".claude"));
-        writeFile(settings(), bytes, mode);
+        writeFile(settings(), bytes);
     }
     QString failure(bool enabled) const
     {
@@ -198,12 +127,7 @@ private:
 TEST_F(HookInstallerFiles, FailsAsTold)
 {
     const QString error = QStringLiteral("Couldn't update ~/.claude/settings.json — invalid JSON");
-    const struct {
-        const char* name;
-        QByteArray content;
-        QString install;
-        QString removal;
-    } cases[] = {
+    const std::tuple<const char*, QByteArray, QString, QString> cases[] = {
         { "broken", "{\"hooks\":", error, {} },
         { "broken, with the marker", "{\"hooks\": # kestro-hook", error, error },
         { "broken, with the old marker", "# ombrel-hook", error, error },
@@ -217,14 +141,14 @@ TEST_F(HookInstallerFiles, FailsAsTold)
         { "another agent's event of the wrong type", R"({"hooks":{"Interrupt":1}})", {}, {} },
         { "the marker elsewhere", R"({"note":"# kestro-hook"})", {}, {} },
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        writeSettings(c.content);
+    for (const auto& [name, content, install, removal] : cases) {
+        SCOPED_TRACE(name);
+        writeSettings(content);
         const FolderState before = snapshot(home(".claude"));
-        EXPECT_EQ(failure(false), c.removal);
+        EXPECT_EQ(failure(false), removal);
         EXPECT_EQ(snapshot(home(".claude")), before);
-        EXPECT_EQ(failure(true), c.install);
-        EXPECT_EQ(snapshot(home(".claude")) == before, !c.install.isEmpty());
+        EXPECT_EQ(failure(true), install);
+        EXPECT_EQ(snapshot(home(".claude")) == before, !install.isEmpty());
         QFile::remove(settings() + QStringLiteral(".kestro.bak"));
     }
 }
@@ -237,57 +161,25 @@ TEST_F(HookInstallerFiles, ComesAndGoes)
         HookInstaller::apply(false, agent, file);
         EXPECT_FALSE(QFileInfo(file).dir().exists()) << "an agent that was never hooked is left alone";
         HookInstaller::apply(true, agent, file);
-        EXPECT_EQ(readFile(file), HookInstaller::install(std::nullopt, agent, path));
+        EXPECT_EQ(readFile(file), HookInstaller::install(std::nullopt, agent, {}));
         EXPECT_EQ(snapshot(QFileInfo(file).path()).size(), 1U) << "no backup of what was not there";
         HookInstaller::apply(false, agent, file);
         EXPECT_EQ(readFile(file), agent == Agent::cursor ? "{\n  \"version\": 1\n}\n" : "{}\n");
-        EXPECT_EQ(readFile(file + QStringLiteral(".kestro.bak")), HookInstaller::install(std::nullopt, agent, path));
     }
-}
-
-TEST_F(HookInstallerFiles, WritesOnceAndKeepsTheVersionBefore)
-{
-    writeSettings("");
-    EXPECT_EQ(failure(true), QString());
-    FolderState state = snapshot(home(".claude"));
-    EXPECT_EQ(state["settings.json.kestro.bak"], (FileState{ "", 0600 }));
-    EXPECT_EQ(state["settings.json"].mode, 0600U);
-
-    const QByteArray elsewhere = QFile::encodeName(settings() + QStringLiteral(".kestro.bak"));
-    struct stat before { };
-    struct stat after { };
-    ASSERT_EQ(stat(elsewhere.constData(), &before), 0);
-    EXPECT_EQ(failure(true), QString());
-    ASSERT_EQ(stat(elsewhere.constData(), &after), 0);
-    EXPECT_EQ(before.st_ino, after.st_ino) << "a second installation writes nothing";
-    EXPECT_EQ(snapshot(home(".claude")), state);
-}
-
-TEST_F(HookInstallerFiles, CarriesNumbersUnchanged)
-{
-    const char* numbers = R"("numbers": [
-    123456789012345678901234567890,
-    0.1000000000000000055,
-    -0,
-    1.0,
-    1e3
-  ])";
-    writeSettings(QByteArray("{") + numbers + '}');
-    EXPECT_EQ(failure(true), QString());
-    EXPECT_TRUE(readFile(settings()).contains(numbers));
-    EXPECT_EQ(failure(false), QString());
-    EXPECT_EQ(readFile(settings()), QByteArray("{\n  ") + numbers + "\n}\n");
+    const QByteArray numbers = "{\n  \"a\": 123456789012345678901234567890,\n  \"b\": 1.0,\n  \"c\": -0\n}\n";
+    writeSettings(numbers);
+    EXPECT_EQ(failure(true) + failure(false), QString());
+    EXPECT_EQ(readFile(settings()), numbers);
 }
 
 TEST_F(HookInstallerFiles, TheCommandSendsAndAnswers)
 {
     // In the place of netcat a script that keeps what it was given.
     QDir(home("")).mkdir(QStringLiteral("bin"));
-    writeFile(
-        home("bin/nc"), "#!/bin/sh\necho \"$@\" >\"$HOME/arguments\"\ncat >\"$HOME/sent\"\necho noise\nexit 3\n", 0755);
+    writeFile(home("bin/nc"), "#!/bin/sh\necho \"$@\" >~/arguments\ncat >~/sent\necho noise\nexit 3\n", 0755);
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(
-        QStringLiteral("PATH"), home("bin") + QLatin1Char(':') + environment.value(QStringLiteral("PATH")));
+    const QString path = QStringLiteral("PATH");
+    environment.insert(path, home("bin") + QLatin1Char(':') + environment.value(path));
     for (const Agent agent : allAgents) {
         SCOPED_TRACE(rawValue(agent).toStdString());
         QProcess shell;
