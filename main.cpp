@@ -48,17 +48,21 @@ void followSession(SessionEvents& session, const X11ScreenSaver& screenSaver, co
 
 } // namespace
 
-int main(int argc, char** argv)
+int main(int, char** argv)
 {
     if (const char* why = missingDisplay()) {
         std::fputs(why, stderr);
         return 1;
     }
-    // Panels are X11 windows; a Wayland session runs them through XWayland.
-    qputenv("QT_QPA_PLATFORM", "xcb");
     if (!qEnvironmentVariableIsSet("QT_QUICK_BACKEND"))
         QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
-    QGuiApplication application(argc, argv);
+    // Panels are X11 windows; a Wayland session runs them through XWayland. An argument, since the programs that the
+    // dock starts would inherit a variable.
+    char option[] = "-platform";
+    char xcb[] = "xcb";
+    char* arguments[] = { argv[0], option, xcb, nullptr };
+    int count = 3;
+    QGuiApplication application(count, arguments);
     QGuiApplication::setApplicationName(QStringLiteral("Kestro"));
     QGuiApplication::setDesktopFileName(QStringLiteral("kestro"));
     QGuiApplication::setQuitOnLastWindowClosed(false);

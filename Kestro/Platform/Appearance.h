@@ -11,7 +11,7 @@ struct Look {
     bool dark = false;
     QColor accent = QColor(0x0A, 0x84, 0xFF);
     bool reduceMotion = false;
-    QString fontFamily; ///< the interface font, empty where the desktop names none
+    QString fontFamily{}; ///< the interface font, empty where the desktop names none
 
     bool operator==(const Look&) const = default;
 };

@@ -108,6 +108,8 @@ QPainterPath SurfaceShape::outline(const QRectF& frame) const
     return path;
 }
 
+QRegion SurfaceShape::region(const QRectF& frame) const { return QRegion(outline(frame).toFillPolygon().toPolygon()); }
+
 QPainterPath SurfaceShape::border(const QRectF& frame, qreal inset) const { return pathOf(*this, frame, inset); }
 
 qreal SurfaceShape::endLength() const { return anchor == Anchor::None ? radius : radius + flare; }

@@ -5,6 +5,7 @@
 #include <QMargins>
 #include <QPainterPath>
 #include <QRectF>
+#include <QRegion>
 
 namespace kestro {
 
@@ -21,6 +22,9 @@ struct SurfaceShape {
 
     /// What is filled.
     QPainterPath outline(const QRectF& frame) const;
+
+    /// The same for a window's shape, in whole points.
+    QRegion region(const QRectF& frame) const;
 
     /// Where the hairline runs, `inset` inside of the outline: all round, but not along the screen's edge.
     QPainterPath border(const QRectF& frame, qreal inset) const;

@@ -1,13 +1,13 @@
 #include "Kestro/Surfaces/CardPanel.h"
 
 #include "Kestro/Application/AppModel.h"
+#include "Kestro/Style/SurfaceShape.h"
 #include "KestroCore/Support/Geometry.h"
 
 namespace kestro {
 
 namespace {
 
-constexpr int shadowRoom = 28;
 constexpr double slide = 12;
 
 QPointF slideFrom(SidebarEdge edge)
@@ -28,7 +28,8 @@ QPointF slideFrom(SidebarEdge edge)
 CardPanel::CardPanel(AppModel& model, QQmlEngine& engine, Panels& panels, const Screens& screens)
     : m_panel(panels, screens)
     , m_host(m_panel, engine, QStringLiteral("SidebarCardView"),
-          { { QStringLiteral("model"), QVariant::fromValue(&model) }, { QStringLiteral("shadowRoom"), shadowRoom } })
+          { { QStringLiteral("model"), QVariant::fromValue(&model) },
+              { QStringLiteral("shadowRoom"), NotchPanel::shadowRoom } })
 {
     m_panel.setTitle(QStringLiteral("Kestro Card"));
 }
@@ -39,9 +40,8 @@ void CardPanel::place(const QRectF& target, SidebarEdge edge)
         return;
     const bool appears = !m_target;
     m_target = target;
-    m_panel.setFrame(geometry::grown(target, shadowRoom));
-    const QSize size = target.size().toSize();
-    m_panel.setPaintedShape(QRect(QPoint(shadowRoom, shadowRoom), size));
+    m_panel.setFrame(geometry::grown(target, NotchPanel::shadowRoom));
+    m_panel.setPaintedShape(SurfaceShape().region(QRectF(NotchPanel::shadowOffset, target.size())));
     if (!appears)
         return;
     m_panel.orderFront();

@@ -1,7 +1,12 @@
 #include "Kestro/Surfaces/ItemMenu.h"
 
 #include "Kestro/Application/AppModel.h"
+#include "Kestro/Platform/Panels.h"
+#include "Kestro/Platform/Platform.h"
 #include "Kestro/Platform/Screens.h"
+#include "Kestro/Style/SurfaceShape.h"
+#include "Kestro/Surfaces/NotchPanel.h"
+#include "KestroCore/Support/Geometry.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -33,7 +38,7 @@ QList<MenuEntry> itemMenuEntries(AppModel& model, const LaunchItem& item, bool v
     return entries;
 }
 
-ItemMenu::ItemMenu(QQmlEngine& engine, const Screens& screens, QList<MenuEntry> entries,
+ItemMenu::ItemMenu(QQmlEngine& engine, const Platform& platform, QList<MenuEntry> entries,
     const std::function<QRectF(QSizeF)>& place, std::function<void()> ended)
     : m_entries(std::move(entries))
     , m_ended(std::move(ended))
@@ -51,10 +56,14 @@ ItemMenu::ItemMenu(QQmlEngine& engine, const Screens& screens, QList<MenuEntry> 
         rows.append(
             QVariantMap{ { QStringLiteral("title"), entry.title }, { QStringLiteral("enabled"), entry.enabled } });
     m_host = std::make_unique<TrackingHostingView>(*this, engine, QStringLiteral("ItemMenuView"),
-        QVariantMap{ { QStringLiteral("menu"), QVariant::fromValue(this) }, { QStringLiteral("entries"), rows } });
+        QVariantMap{ { QStringLiteral("menu"), QVariant::fromValue(this) }, { QStringLiteral("entries"), rows },
+            { QStringLiteral("shadowRoom"), NotchPanel::shadowRoom } });
 
     const QSizeF size(m_host->root().implicitWidth(), m_host->root().implicitHeight());
-    setGeometry(screens.toWindowSystem(place(size)).toRect());
+    setGeometry(platform.screens.toWindowSystem(geometry::grown(place(size), NotchPanel::shadowRoom)).toRect());
+    // No panel, so that it can hold the keyboard: it shapes itself where nothing can be seen through it.
+    if (!platform.panels.isComposited())
+        setMask(SurfaceShape().region(QRectF(NotchPanel::shadowOffset, size)));
     show();
 }
 
@@ -92,7 +101,8 @@ void ItemMenu::keyPressEvent(QKeyEvent* event)
 
 void ItemMenu::mousePressEvent(QMouseEvent* event)
 {
-    if (QRect(QPoint(), size()).contains(event->position().toPoint()))
+    const QRectF rows = geometry::grown(QRectF(QPointF(), size()), -NotchPanel::shadowRoom);
+    if (geometry::contains(rows, event->position()))
         QQuickWindow::mousePressEvent(event);
     else
         end();

@@ -10,7 +10,7 @@
 namespace kestro {
 
 class AppModel;
-class Screens;
+struct Platform;
 
 /// A row of a menu; one without a title is a separator.
 struct MenuEntry {
@@ -31,7 +31,7 @@ class ItemMenu final : public QQuickWindow {
     Q_OBJECT
 public:
     /// Opens where `place` puts a menu of its size, in screen coordinates.
-    ItemMenu(QQmlEngine& engine, const Screens& screens, QList<MenuEntry> entries,
+    ItemMenu(QQmlEngine& engine, const Platform& platform, QList<MenuEntry> entries,
         const std::function<QRectF(QSizeF)>& place, std::function<void()> ended);
 
     /// Chooses a row: runs its action unless it is disabled.

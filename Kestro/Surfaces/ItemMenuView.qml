@@ -1,12 +1,14 @@
 import QtQuick
 import Kestro.Style
 
-// The rows of an open menu. `current` is the row under the pointer or the arrow keys, -1 for none.
+// The rows of an open menu, and round them the room for the shadow, which the implicit size leaves out.
+// `current` is the row under the pointer or the arrow keys, -1 for none.
 Item {
     id: root
 
     required property var menu
     required property var entries
+    required property real shadowRoom
     property int current: -1
 
     implicitWidth: Math.max(180, rows.implicitWidth + 12)
@@ -17,15 +19,15 @@ Item {
 
     CardSurface {
         anchors.fill: parent
-        shadow: 0
+        anchors.margins: root.shadowRoom
     }
 
     Column {
         id: rows
 
-        x: 6
-        y: 6
-        width: root.width - 12
+        x: root.shadowRoom + 6
+        y: root.shadowRoom + 6
+        width: root.width - 2 * x
 
         Repeater {
             model: root.entries

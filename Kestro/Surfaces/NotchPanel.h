@@ -13,6 +13,10 @@ class Screens;
 class NotchPanel final : public QQuickWindow {
     Q_OBJECT
 public:
+    /// How far round its content a window reaches, so that a shadow has room to fall.
+    static constexpr int shadowRoom = 24;
+    static constexpr QPointF shadowOffset{ shadowRoom, shadowRoom };
+
     NotchPanel(Panels& panels, const Screens& screens);
 
     /// In screen coordinates (y upwards). A window that stands there already is left alone.

@@ -2,6 +2,7 @@
 
 #include "Kestro/Application/AppModel.h"
 #include "Kestro/Platform/Appearance.h"
+#include "Kestro/Platform/Panels.h"
 #include "Kestro/Platform/PreferenceStore.h"
 #include "Kestro/Platform/Screens.h"
 #include "Kestro/Preferences/PreferenceKeys.h"
@@ -102,11 +103,11 @@ void SidebarController::placeStrip()
 {
     const SidebarFrame& frame = *m_state.frame();
     m_strip.setFrame(frame.band);
-    QRegion shape = m_state.dockRect().toAlignedRect();
-    // While the icons swell their outline changes with every move of the pointer; a region that changed as often would
-    // race the clicks, so it only grows, until the pointer leaves.
-    if (m_pointer)
-        shape = m_strip.paintedShape().united(shape).boundingRect();
+    QRegion shape = m_state.outline().region(m_state.dockRect());
+    // While the icons swell their outline changes with every move of the pointer. A region that changed as often would
+    // race the clicks, so it only grows, until the pointer leaves; unless it cuts the window to what can be seen of it.
+    if (m_pointer && m_platform.panels.isComposited())
+        shape += m_strip.paintedShape();
     m_strip.setPaintedShape(shape);
     m_strip.setIgnoresMouseEvents(!m_state.revealed());
     if (m_state.revealed() && !m_strip.isVisible())
@@ -292,8 +293,10 @@ QRectF SidebarController::dockOnScreen(int row) const
 
 void SidebarController::hoverItem(int row)
 {
+    m_hoveredRow = row;
     const LaunchItem item = m_state.items()->item(row);
     if (const auto kind = item.widget()) {
+        m_toolTip.hide();
         m_model.setSelectedWidget(*kind);
         return;
     }
@@ -309,7 +312,12 @@ void SidebarController::hoverItem(int row)
     m_toolTip.showSoon(m_model.launcher().displayName(item), icon, m_state.prefs().edge, screen()->visibleFrame);
 }
 
-void SidebarController::leaveItem(int) { m_toolTip.hide(); }
+void SidebarController::leaveItem(int row)
+{
+    // The next icon may have been entered already.
+    if (row == m_hoveredRow)
+        m_toolTip.hide();
+}
 
 void SidebarController::clickItem(int row)
 {
@@ -329,7 +337,7 @@ void SidebarController::openMenu(int row)
     const auto beside = [dock = m_state.frame()->dock, bounds = on->visibleFrame, edge, point](QSizeF size) {
         return DockGeometry::cardFrame(size, dock, edge == SidebarEdge::bottom ? point.x() : point.y(), edge, bounds);
     };
-    m_menu = std::make_unique<ItemMenu>(m_engine, m_platform.screens,
+    m_menu = std::make_unique<ItemMenu>(m_engine, m_platform,
         itemMenuEntries(m_model, m_state.items()->item(row), edge != SidebarEdge::bottom), beside,
         [this] { menuEnded(); });
 }

@@ -70,6 +70,7 @@ private:
     CardPanel m_card;
     ToolTip m_toolTip;
     std::unique_ptr<ItemMenu> m_menu; ///< there while it is open
+    int m_hoveredRow = -1;
     bool m_active = false;
     bool m_pointerInside = false;
     bool m_pillOpen = false;

@@ -43,4 +43,22 @@ QRectF SidebarState::dockRect() const
     return { dock.x() - band.x(), geometry::maxY(band) - geometry::maxY(dock), dock.width(), dock.height() };
 }
 
+SurfaceShape SidebarState::outline() const
+{
+    using Anchor = SurfaceShape::Anchor;
+    if (collapsed())
+        return { Anchor::None, DockGeometry::pillThickness / 2 };
+    if (m_prefs.placement == DockPlacement::detached)
+        return {};
+    switch (m_prefs.edge) {
+    case SidebarEdge::left:
+        return { Anchor::Left };
+    case SidebarEdge::right:
+        return { Anchor::Right };
+    case SidebarEdge::bottom:
+        return { Anchor::Bottom };
+    }
+    Q_UNREACHABLE();
+}
+
 } // namespace kestro

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Kestro/Style/SurfaceShape.h"
 #include "Kestro/Surfaces/DockItemsModel.h"
 
 namespace kestro {
@@ -37,6 +38,8 @@ public:
 
     DockItemsModel* items() { return &m_items; }
     QRectF dockRect() const;
+    /// The shape of the strip's ground, as its view draws it.
+    SurfaceShape outline() const;
     bool collapsed() const { return m_frame && m_frame->collapsed; }
     double iconSize() const { return m_frame ? m_frame->arrangement.iconSize : 0; }
     double largestIconSize() const { return iconSize() * m_prefs.maxScale; }

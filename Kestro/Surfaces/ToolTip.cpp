@@ -1,5 +1,6 @@
 #include "Kestro/Surfaces/ToolTip.h"
 
+#include "Kestro/Style/SurfaceShape.h"
 #include "Kestro/Surfaces/NotchPanel.h"
 #include "Kestro/Surfaces/TrackingHostingView.h"
 #include "KestroCore/Layout/DockGeometry.h"
@@ -36,12 +37,13 @@ void ToolTip::show(const QString& text, const QRectF& icon, SidebarEdge edge, co
 {
     m_panel = std::make_unique<NotchPanel>(m_platform.panels, m_platform.screens);
     m_panel->setTitle(QStringLiteral("Kestro Tooltip"));
-    m_host = std::make_unique<TrackingHostingView>(
-        *m_panel, m_engine, QStringLiteral("ToolTipView"), QVariantMap{ { QStringLiteral("text"), text } });
+    m_host = std::make_unique<TrackingHostingView>(*m_panel, m_engine, QStringLiteral("ToolTipView"),
+        QVariantMap{ { QStringLiteral("text"), text }, { QStringLiteral("shadowRoom"), NotchPanel::shadowRoom } });
     const QSizeF size(m_host->root().implicitWidth(), m_host->root().implicitHeight());
     const double middle = edge == SidebarEdge::bottom ? geometry::midX(icon) : geometry::midY(icon);
-    m_panel->setFrame(DockGeometry::cardFrame(size, icon, middle, edge, screen));
-    m_panel->setPaintedShape({}); // the pointer goes through it
+    m_panel->setFrame(
+        geometry::grown(DockGeometry::cardFrame(size, icon, middle, edge, screen), NotchPanel::shadowRoom));
+    m_panel->setPaintedShape(SurfaceShape{ .radius = 8 }.region(QRectF(NotchPanel::shadowOffset, size)));
     m_panel->orderFront();
 }
 

@@ -1,9 +1,10 @@
 #include "FileWatch.h"
 
-#include "AtomicFile.h"
+#include "KestroCore/Support/PosixError.h"
 
 #include <QSocketNotifier>
 #include <array>
+#include <cerrno>
 #include <cstring>
 #include <sys/inotify.h>
 
@@ -31,14 +32,14 @@ QString FileWatch::watch(const QList<QByteArray>& paths)
     m_notifier.reset();
     m_names.clear();
     m_inotify = FileDescriptor(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
-    QString error = m_inotify ? QString() : AtomicFile::systemError();
+    QString error = m_inotify ? QString() : PosixError::reason(errno);
     for (const QByteArray& path : paths) {
         const qsizetype slash = path.lastIndexOf('/');
         const int folder = ::inotify_add_watch(m_inotify.get(), path.left(slash + 1).constData(), watchedEvents);
         if (folder >= 0)
             m_names[folder].append(path.mid(slash + 1));
         else if (error.isEmpty())
-            error = AtomicFile::systemError();
+            error = PosixError::reason(errno);
     }
     m_paths = error.isEmpty() ? paths : QList<QByteArray>();
     if (m_inotify) {

@@ -32,7 +32,7 @@ bool programExists(const char* program) { return program && GioText(g_find_progr
 bool canStart(GKeyFile* entry)
 {
     const GioText condition(g_key_file_get_string(entry, G_KEY_FILE_DESKTOP_GROUP, "TryExec", nullptr));
-    if (condition && *condition && !programExists(condition.get()))
+    if (condition && condition[0] != 0 && !programExists(condition.get()))
         return false;
     const GioText line(g_key_file_get_string(entry, G_KEY_FILE_DESKTOP_GROUP, "Exec", nullptr));
     char** words = nullptr;

@@ -1,14 +1,19 @@
 #include "PreferenceFile.h"
 
-#include "AtomicFile.h"
+#include "PreferenceDraft.h"
 #include "PreferenceValue.h"
+#include "PrivateFolder.h"
 
 #include "Kestro/Platform/Log.h"
+#include "KestroCore/Support/AtomicFile.h"
+#include "KestroCore/Support/PosixError.h"
 
 #include <QFile>
-#include <QFileInfo>
+#include <cerrno>
+#include <cstdio>
 #include <nlohmann/json.hpp>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace kestro {
 namespace {
@@ -22,6 +27,10 @@ QByteArray corruptName(const QByteArray& path)
     return (path.endsWith(suffix) ? path.chopped(suffix.size()) : path) + ".corrupt.json";
 }
 
+QByteArray folderOf(const QByteArray& path) { return path.left(path.lastIndexOf('/')); }
+
+QString failureLine(const QString& sentence) { return QStringLiteral("Kestro: the preferences: %1").arg(sentence); }
+
 } // namespace
 
 PreferenceFile::PreferenceFile(const QString& path, Log& log)
@@ -34,7 +43,7 @@ PreferenceFile::PreferenceFile(const QString& path, Log& log)
     connect(&m_absence, &QTimer::timeout, this, &PreferenceFile::believeAbsence);
     connect(&m_watch, &FileWatch::touched, this, &PreferenceFile::look);
 
-    AtomicFile::createFolder(QFileInfo(path).path()); // a failure is told when something is to be saved
+    createPrivateFolder(folderOf(m_path)); // a failure is told when something is to be saved
     watch(); // before reading: what changes in between is seen
     readAtStart();
 }
@@ -43,9 +52,9 @@ PreferenceFile::~PreferenceFile() { flush(); }
 
 void PreferenceFile::readAtStart()
 {
-    const auto reading = AtomicFile::read(m_path);
+    const auto reading = PreferenceReading::of(m_path);
     if (!reading.error.isEmpty()) {
-        m_log.write(QStringLiteral("Kestro: couldn't read the preferences: %1").arg(reading.error));
+        m_log.write(failureLine(reading.error));
         return;
     }
     if (!reading.exists)
@@ -55,16 +64,16 @@ void PreferenceFile::readAtStart()
         m_values = document->values();
         return;
     }
-    const QString error = setAside(AtomicFile::resolved(m_path), reading.content);
+    const QString error = setAside(resolved(m_path), reading.content);
     if (!error.isEmpty())
-        m_log.write(QStringLiteral("Kestro: couldn't set the unreadable preferences aside: %1").arg(error));
+        m_log.write(failureLine(error));
 }
 
 // Through a link two places are watched: the link's, where it may be pointed elsewhere, and the file's own.
 void PreferenceFile::watch()
 {
     QList<QByteArray> paths{ m_path };
-    const QByteArray target = AtomicFile::resolved(m_path);
+    const QByteArray target = resolved(m_path);
     if (target != m_path)
         paths.append(target);
     const QString error = m_watch.watch(paths);
@@ -133,10 +142,10 @@ void PreferenceFile::turn()
 void PreferenceFile::look()
 {
     watch();
-    takeOver(AtomicFile::read(m_path));
+    takeOver(PreferenceReading::of(m_path));
 }
 
-void PreferenceFile::takeOver(const AtomicFile::Reading& reading)
+void PreferenceFile::takeOver(const PreferenceReading& reading)
 {
     if (!reading.exists) {
         if (!m_content.isEmpty() && !m_absence.isActive())
@@ -154,7 +163,7 @@ void PreferenceFile::takeOver(const AtomicFile::Reading& reading)
 
 void PreferenceFile::believeAbsence()
 {
-    if (AtomicFile::read(m_path).exists)
+    if (PreferenceReading::of(m_path).exists)
         return;
     m_content.clear();
     adopt({});
@@ -178,17 +187,19 @@ void PreferenceFile::save()
 {
     const QString failure = trySave();
     if (!failure.isEmpty() && failure != m_lastFailure)
-        m_log.write(QStringLiteral("Kestro: couldn't save the preferences: %1").arg(failure));
+        m_log.write(failureLine(failure));
     m_lastFailure = failure;
 }
 
 QString PreferenceFile::trySave()
 {
-    QString error = AtomicFile::createFolder(QFileInfo(QFile::decodeName(m_path)).path());
+    QString error;
+    if (!createPrivateFolder(folderOf(m_path)))
+        error = PosixError::creatingFolder(folderOf(m_path), errno).description();
     constexpr int attempts = 4;
     for (int attempt = 1; error.isEmpty(); ++attempt) {
-        const QByteArray target = AtomicFile::resolved(m_path);
-        const auto reading = AtomicFile::read(target);
+        const QByteArray target = resolved(m_path);
+        const auto reading = PreferenceReading::of(target);
         if (!reading.error.isEmpty())
             return reading.error;
         takeOver(reading);
@@ -204,11 +215,10 @@ QString PreferenceFile::trySave()
 
         if (error.isEmpty() && differs) {
             const QByteArray content = document.text();
-            AtomicFile::Draft draft(target, content);
+            PreferenceDraft draft(target, content);
             // Bringing the draft to the disk takes long enough for another program to write.
-            const auto expected = parsed ? reading.fingerprint : AtomicFile::Fingerprint();
-            const bool overtaken = AtomicFile::fingerprint(target) != expected;
-            if (draft.error().isEmpty() && overtaken && attempt < attempts)
+            const auto expected = parsed ? reading.fingerprint : FileFingerprint();
+            if (FileFingerprint::of(target) != expected && attempt < attempts)
                 continue;
             error = draft.commit();
             if (error.isEmpty())
@@ -225,16 +235,19 @@ QString PreferenceFile::trySave()
 
 QString PreferenceFile::setAside(const QByteArray& target, const QByteArray& content)
 {
+    const auto failed = [&] { return PosixError::saving(m_corruptPath, errno).description(); };
     if (target == m_path) {
         ::chmod(m_path.constData(), 0600);
         if (::rename(m_path.constData(), m_corruptPath.constData()) != 0)
-            return AtomicFile::systemError();
+            return failed();
     } else { // a link stays a link
-        QString error = AtomicFile::write(m_corruptPath, content);
-        if (!error.isEmpty())
-            return error;
+        try {
+            AtomicFile::replace(m_corruptPath, content, AtomicFile::Attributes());
+        } catch (const StorageError& error) {
+            return error.description();
+        }
         if (::unlink(target.constData()) != 0)
-            return AtomicFile::systemError();
+            return failed();
     }
     m_log.write(QStringLiteral("Kestro: the preferences didn't parse; kept them as %1")
                     .arg(QFile::decodeName(m_corruptPath.mid(m_corruptPath.lastIndexOf('/') + 1))));

@@ -10,9 +10,7 @@
 namespace kestro {
 
 class Log;
-namespace AtomicFile {
-struct Reading;
-}
+struct PreferenceReading;
 
 /// The domain as one JSON object in a file that other programs may write too: their changes take effect at once, and
 /// writing merges what changed here into what they left. How values are spelled is told in PreferenceValue.h.
@@ -38,7 +36,7 @@ private:
     void watch();
     void look();
     void believeAbsence();
-    void takeOver(const AtomicFile::Reading& reading);
+    void takeOver(const PreferenceReading& reading);
     void adopt(const Values& inFile);
     void put(const QString& key, const QVariant& value);
     void scheduleTurn();

@@ -1,8 +1,9 @@
 #include "SingleInstance.h"
 
-#include "AtomicFile.h"
+#include "PrivateFolder.h"
 
 #include "Kestro/Platform/Log.h"
+#include "KestroCore/Support/PosixError.h"
 
 #include <QDeadlineTimer>
 #include <QFile>
@@ -59,7 +60,7 @@ SingleInstance::SingleInstance(const QString& folder, Log& log, QObject* parent)
     , m_folder(QFile::encodeName(folder))
     , m_log(log)
 {
-    AtomicFile::createFolder(folder); // a failure shows when the lock is taken
+    createPrivateFolder(m_folder); // a failure shows when the lock is taken
 }
 
 SingleInstance::~SingleInstance()
@@ -98,7 +99,7 @@ SingleInstance::Lock SingleInstance::tryLock()
     }
     if (errno == EWOULDBLOCK)
         return Lock::Held;
-    m_log.write(QStringLiteral("Kestro: couldn't lock %1: %2").arg(QFile::decodeName(path), AtomicFile::systemError()));
+    m_log.write(QStringLiteral("Kestro: couldn't lock %1: %2").arg(QFile::decodeName(path), PosixError::reason(errno)));
     return Lock::Impossible;
 }
 
@@ -117,7 +118,7 @@ void SingleInstance::listen()
     ::unlink((m_folder + socketName).constData());
     ::fchmod(socket.get(), 0600); // is the mode of the name too
     if (::bind(socket.get(), address.get(), address.size()) != 0) {
-        m_log.write(QStringLiteral("Kestro: couldn't listen for further starts: %1").arg(AtomicFile::systemError()));
+        m_log.write(QStringLiteral("Kestro: couldn't listen for further starts: %1").arg(PosixError::reason(errno)));
         return;
     }
     m_socket = std::move(socket);

@@ -26,7 +26,7 @@ struct Ending {
     bool succeeded = false; // the program came to its end by itself
 };
 
-/// A child that runs `work` and waits to be traced first.
+/// A child that runs `work`, stopped at its first call.
 pid_t startTraced(const std::function<void()>& work)
 {
     const pid_t child = fork();
@@ -60,7 +60,8 @@ Ending killAtStop(int stop, Counted counted, Killed killed, const std::function<
             ending.succeeded = ending.succeeded || (pid == program && status == 0);
             continue;
         }
-        const bool atCall = WSTOPSIG(status) == (SIGTRAP | 0x80);
+        const int signal = WSTOPSIG(status);
+        const bool atCall = signal == (SIGTRAP | 0x80);
         if (atCall && (pid == program) == (counted == Counted::program) && ++seen == stop) {
             ending.reached = true;
             if (killed != Killed::helper)
@@ -68,106 +69,71 @@ Ending killAtStop(int stop, Counted counted, Killed killed, const std::function<
             if (killed != Killed::program)
                 kill(pid, SIGKILL);
         }
-        const int signal = WSTOPSIG(status);
         const bool passOn = !atCall && signal != SIGTRAP && signal != SIGSTOP;
         ptrace(PTRACE_SYSCALL, pid, nullptr, passOn ? signal : 0);
     }
     return ending;
 }
 
-class ConfigFileKill : public testing::Test {
-protected:
-    static constexpr mode_t mode = 0640;
-    const QByteArray oldBytes = "{\"old\":1}";
-    const QByteArray newBytes = "{\"new\":1}";
-    const FileState before{ oldBytes, mode };
-    const FileState after{ newBytes, mode };
-
-    /// The states that may be found, for a start with the files of `start`.
-    struct Scene {
-        const char* name;
-        FolderState start;
-        std::vector<FolderState> allowed;
-    };
-    std::vector<Scene> scenes() const
-    {
-        const FileState older{ "{\"older\":1}", mode };
-        return {
-            { "with a backup", { { "f", before }, { "f.kestro.bak", older } },
-                { { { "f", before }, { "f.kestro.bak", older } }, { { "f", before }, { "f.kestro.bak", before } },
-                    { { "f", after }, { "f.kestro.bak", before } } } },
-            { "without one", { { "f", before } },
-                { { { "f", before } }, { { "f", before }, { "f.kestro.bak", before } },
-                    { { "f", after }, { "f.kestro.bak", before } } } },
-            { "without a file", {}, { {}, { { "f", after } } } },
-        };
-    }
-
-    /// Kills an update of `scene` at every stop; returns how many there were.
-    int killEverywhere(const Scene& scene, Counted counted, Killed killed)
-    {
-        for (int stop = 1;; ++stop) {
-            QTemporaryDir folder;
-            for (const auto& [name, state] : scene.start)
-                writeFile(folder.filePath(QFile::decodeName(name)), state.bytes, state.mode);
-            const auto update = [&] {
-                umask(0666 & ~mode);
-                ConfigFile::update(
-                    folder.filePath(QStringLiteral("f")), [this](const auto&, const auto&) { return newBytes; });
-            };
-            const Ending ending = killAtStop(stop, counted, killed, update);
-            FolderState found = snapshot(folder.path());
-            if (killed == Killed::both && ending.reached) {
-                // Nobody was left to clear away; the next start does, even if it has nothing to write.
-                ConfigFile::update(
-                    folder.filePath(QStringLiteral("f")), [](const auto&, const auto&) { return std::nullopt; });
-                found = snapshot(folder.path());
-            }
-            EXPECT_THAT(scene.allowed, testing::Contains(found)) << "killed at stop " << stop;
-            if (killed == Killed::helper || !ending.reached) {
-                EXPECT_TRUE(ending.succeeded) << "at stop " << stop;
-                EXPECT_EQ(found, scene.allowed.back()) << "at stop " << stop;
-            }
-            m_found.insert(found == scene.allowed.back());
-            if (!ending.reached || HasFailure())
-                return stop - 1;
-        }
-    }
-
-    std::set<bool> m_found; // whether the update was complete
+/// Files to begin with, and the states that may be found then, the complete one last.
+struct Scene {
+    const char* name;
+    FolderState start;
+    std::vector<FolderState> allowed;
 };
 
-TEST_F(ConfigFileKill, TheProgramAtEveryCall)
+std::vector<Scene> scenes()
 {
-    for (const Scene& scene : scenes()) {
-        SCOPED_TRACE(scene.name);
-        m_found.clear();
-        EXPECT_GT(killEverywhere(scene, Counted::program, Killed::program), 30);
-        EXPECT_EQ(m_found.size(), 2U) << "some too early and some too late";
-    }
+    const FileState older{ "{\"older\":1}", 0640 };
+    const FileState before{ "{\"old\":1}", 0640 };
+    const FileState after{ "{\"new\":1}", 0640 };
+    const FolderState alone{ { "f", before } };
+    const FolderState beside{ { "f", before }, { "f.kestro.bak", older } };
+    const FolderState saved{ { "f", before }, { "f.kestro.bak", before } };
+    const FolderState complete{ { "f", after }, { "f.kestro.bak", before } };
+    return { { "with a backup", beside, { beside, saved, complete } },
+        { "without one", alone, { alone, saved, complete } }, { "without a file", {}, { {}, { { "f", after } } } } };
 }
 
-TEST_F(ConfigFileKill, TheProgramWhileItsHelperWorks)
+TEST(ConfigFileKill, AtEveryCall)
 {
-    for (const Scene& scene : scenes()) {
-        SCOPED_TRACE(scene.name);
-        EXPECT_GE(killEverywhere(scene, Counted::helper, Killed::program), 5);
-    }
-}
-
-TEST_F(ConfigFileKill, TheHelperAtEveryCall)
-{
-    for (const Scene& scene : scenes()) {
-        SCOPED_TRACE(scene.name);
-        EXPECT_GE(killEverywhere(scene, Counted::helper, Killed::helper), 5);
-    }
-}
-
-TEST_F(ConfigFileKill, BothInTheSameMoment)
-{
-    for (const Scene& scene : scenes()) {
-        SCOPED_TRACE(scene.name);
-        EXPECT_GE(killEverywhere(scene, Counted::helper, Killed::both), 5);
+    const std::tuple<const char*, Counted, Killed, int> deaths[] = {
+        { "the program", Counted::program, Killed::program, 30 },
+        { "the program while its helper works", Counted::helper, Killed::program, 4 },
+        { "the helper", Counted::helper, Killed::helper, 4 },
+        { "both in the same moment", Counted::helper, Killed::both, 4 },
+    };
+    for (const auto& [death, counted, killed, leastStops] : deaths) {
+        for (const Scene& scene : scenes()) {
+            std::set<bool> found; // whether the update was complete
+            bool reached = true;
+            int stop = 0;
+            while (reached && !HasFailure()) {
+                SCOPED_TRACE(testing::Message() << death << ", " << scene.name << ", stop " << ++stop);
+                QTemporaryDir folder;
+                for (const auto& [name, state] : scene.start)
+                    writeFile(folder.filePath(QFile::decodeName(name)), state.bytes, state.mode);
+                const auto update = [&folder](const std::optional<QByteArray>& bytes) {
+                    umask(026);
+                    ConfigFile::update(
+                        folder.filePath(QStringLiteral("f")), [&](const auto&, const auto&) { return bytes; });
+                };
+                const Ending ending = killAtStop(stop, counted, killed, [&] { update("{\"new\":1}"); });
+                reached = ending.reached;
+                // Nobody was left to clear away; the next start does, even if it has nothing to write.
+                if (killed == Killed::both && reached)
+                    update(std::nullopt);
+                const FolderState state = snapshot(folder.path());
+                EXPECT_THAT(scene.allowed, testing::Contains(state));
+                if (killed == Killed::helper || !reached) {
+                    EXPECT_TRUE(ending.succeeded);
+                    EXPECT_EQ(state, scene.allowed.back());
+                }
+                found.insert(state == scene.allowed.back());
+            }
+            EXPECT_GT(stop - 1, leastStops);
+            EXPECT_TRUE(counted == Counted::helper || found.size() == 2) << "some too early and some too late";
+        }
     }
 }
 

@@ -31,41 +31,32 @@ std::optional<AgentState> stateOf(const SessionStore& store)
 TEST(SessionStore, FollowsEvents)
 {
     constexpr std::optional<AgentState> none;
-    const struct {
-        const char* name;
-        std::optional<AgentState> fromNothing, fromIdle, fromAsking, fromDone;
-    } table[]{
-        { "SessionEnd", none, none, none, none },
-        { "sessionEnd", none, none, none, none },
-        { "SessionStart", S::idle, S::idle, S::needsInput, S::done },
-        { "sessionStart", S::idle, S::idle, S::needsInput, S::done },
-        { "UserPromptSubmit", S::working, S::working, S::working, S::working },
-        { "PostToolUse", S::working, S::working, S::working, S::working },
-        { "beforeSubmitPrompt", S::working, S::working, S::working, S::working },
-        { "postToolUse", S::working, S::working, S::working, S::working },
-        { "PermissionRequest", S::needsInput, S::needsInput, S::needsInput, S::needsInput },
-        { "Stop", S::done, S::done, S::done, S::done },
-        { "stop", S::done, S::done, S::done, S::done },
-        { "Interrupt", S::idle, S::idle, S::idle, S::idle },
+    const SessionStore befores[]{ {}, after("SessionStart"), after("PermissionRequest"), after("Stop") };
+    const std::pair<std::vector<const char*>, std::array<std::optional<AgentState>, 4>> table[]{
+        { { "SessionEnd", "sessionEnd" }, { none, none, none, none } },
+        { { "SessionStart", "sessionStart" }, { S::idle, S::idle, S::needsInput, S::done } },
+        { { "UserPromptSubmit", "PostToolUse", "beforeSubmitPrompt", "postToolUse" },
+            { S::working, S::working, S::working, S::working } },
+        { { "PermissionRequest" }, { S::needsInput, S::needsInput, S::needsInput, S::needsInput } },
+        { { "Stop", "stop" }, { S::done, S::done, S::done, S::done } },
+        { { "Interrupt" }, { S::idle, S::idle, S::idle, S::idle } },
     };
-    for (const auto& row : table) {
-        SCOPED_TRACE(row.name);
-        const std::pair<SessionStore, std::optional<AgentState>> befores[]{ { {}, row.fromNothing },
-            { after("SessionStart"), row.fromIdle }, { after("PermissionRequest"), row.fromAsking },
-            { after("Stop"), row.fromDone } };
-        for (auto [store, expected] : befores) {
-            store.apply(event(row.name), start + 9);
-            EXPECT_EQ(stateOf(store), expected);
-            for (const Session& session : store.sorted())
-                EXPECT_EQ(session.lastEventAt, start + 9);
+    for (const auto& [names, expected] : table) {
+        for (const char* name : names) {
+            for (size_t i = 0; i < std::size(befores); ++i) {
+                SessionStore store = befores[i];
+                store.apply(event(name), start + 9);
+                EXPECT_EQ(stateOf(store), expected[i]) << name << i;
+                for (const Session& session : store.sorted())
+                    EXPECT_EQ(session.lastEventAt, start + 9);
+            }
         }
     }
     for (const char* name : { "", "STOP", "interrupt", "permissionRequest", "PreToolUse", "Stop " }) {
-        SCOPED_TRACE(name);
-        for (const SessionStore& before : { SessionStore(), after("PermissionRequest") }) {
+        for (const SessionStore& before : befores) {
             SessionStore store = before;
             store.apply(event(name, "a", "/elsewhere"), start + 9);
-            EXPECT_EQ(store, before);
+            EXPECT_EQ(store, before) << name;
         }
     }
 }
@@ -88,49 +79,37 @@ TEST(SessionStore, NamesTheProjectByTheFolder)
 
 TEST(SessionStore, PrunesAtTheAge)
 {
-    const struct {
-        const char* event;
-        double keptAt, goneAt;
-    } table[]{
-        { "Stop", 599.9, 600 },
-        { "SessionStart", std::nextafter(1800, 0), 1800 },
-        { "PostToolUse", 1799.9, 1800 },
-        { "PermissionRequest", 1799.9, 1800 },
-    };
-    for (const auto& row : table) {
-        SCOPED_TRACE(row.event);
-        SessionStore store = after(row.event, Date{ 0 });
+    const std::tuple<const char*, double, double> table[]{ { "Stop", 599.9, 600 },
+        { "SessionStart", std::nextafter(1800, 0), 1800 }, { "PostToolUse", 1799.9, 1800 },
+        { "PermissionRequest", 1799.9, 1800 } };
+    for (const auto& [name, keptAt, goneAt] : table) {
+        SCOPED_TRACE(name);
+        SessionStore store = after(name, Date{ 0 });
         store.prune(Date{ -5 }); // the clock was set back
-        store.prune(Date{ row.keptAt });
+        store.prune(Date{ keptAt });
         EXPECT_TRUE(stateOf(store));
-        store.prune(Date{ row.goneAt });
+        store.prune(Date{ goneAt });
         EXPECT_FALSE(stateOf(store));
     }
 }
 
 TEST(SessionStore, CountsAndLightsTheWing)
 {
-    const struct {
-        std::vector<const char*> events; // of one session each
-        int working, asking;
-        std::optional<AgentState> wing; // 3.9 s later
-    } table[]{
-        { {}, 0, 0, {} },
-        { { "SessionStart", "Interrupt" }, 0, 0, {} },
-        { { "SessionStart", "Stop" }, 0, 0, S::done },
+    // The events of one session each, how many work and ask, and the wing 3.9 s later.
+    const std::tuple<std::vector<const char*>, int, int, std::optional<AgentState>> table[]{ { {}, 0, 0, {} },
+        { { "SessionStart", "Interrupt" }, 0, 0, {} }, { { "SessionStart", "Stop" }, 0, 0, S::done },
         { { "Stop", "PostToolUse", "stop" }, 1, 0, S::working },
-        { { "PostToolUse", "PermissionRequest", "Stop", "postToolUse" }, 2, 1, S::needsInput },
-    };
-    for (const auto& row : table) {
-        SCOPED_TRACE(row.events.size());
+        { { "PostToolUse", "PermissionRequest", "Stop", "postToolUse" }, 2, 1, S::needsInput } };
+    for (const auto& [events, working, asking, wing] : table) {
+        SCOPED_TRACE(events.size());
         SessionStore store;
-        for (size_t i = 0; i < row.events.size(); ++i)
-            store.apply(event(row.events[i], std::to_string(i).c_str()), start);
-        EXPECT_EQ(store.workingCount(), row.working);
-        EXPECT_EQ(store.needsInputCount(), row.asking);
-        EXPECT_EQ(store.activeCount(), row.working + row.asking);
-        EXPECT_EQ(store.wingState(start + 3.9), row.wing);
-        EXPECT_EQ(store.wingState(start + 4), row.wing == S::done ? std::nullopt : row.wing);
+        for (const char* name : events)
+            store.apply(event(name, std::to_string(store.sessions.size()).c_str()), start);
+        EXPECT_EQ(store.workingCount(), working);
+        EXPECT_EQ(store.needsInputCount(), asking);
+        EXPECT_EQ(store.activeCount(), working + asking);
+        EXPECT_EQ(store.wingState(start + 3.9), wing);
+        EXPECT_EQ(store.wingState(start + 4), wing == S::done ? std::nullopt : wing);
     }
 }
 

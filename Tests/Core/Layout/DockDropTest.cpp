@@ -35,12 +35,7 @@ std::vector<std::string> shown(const DockDrop& drop)
 TEST(DockDrop, sorts)
 {
     using Shown = std::vector<std::string>;
-    struct {
-        const char* what;
-        std::vector<const char*> urls;
-        std::optional<QString> title;
-        Shown expected;
-    } const table[] = {
+    const std::tuple<const char*, std::vector<const char*>, std::optional<QString>, Shown> table[] = {
         { "nothing", {}, u"T"_qs, {} },
         { "applications before links, files apart",
             { "https://a.com/", "file:///d/notes.txt", "file:///d/One.desktop", "file:///d/Two.app/" }, u" A \n"_qs,
@@ -58,9 +53,8 @@ TEST(DockDrop, sorts)
         { "escaped spaces stay escaped", { "https://a.com/b%20c" }, {}, { "link https://a.com/b%20c ''" } },
     };
     const auto isApp = [](const QString& path) { return !path.contains(u"fake"); };
-    for (const auto& row : table) {
-        EXPECT_EQ(shown(DockDrop::sort(urls(row.urls), row.title, isApp, countingIds())), row.expected) << row.what;
-    }
+    for (const auto& [what, dropped, title, expected] : table)
+        EXPECT_EQ(shown(DockDrop::sort(urls(dropped), title, isApp, countingIds())), expected) << what;
     const DockDrop two = DockDrop::sort(urls({ "https://a.com", "https://b.com" }), {}, isApp, countingIds());
     EXPECT_EQ(numbers(two.items), (std::vector{ 1000, 1001 }));
 }

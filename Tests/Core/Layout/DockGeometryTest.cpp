@@ -13,13 +13,7 @@ const QRectF screen(100, 50, 1000, 600);
 TEST(DockGeometry, dockFrame)
 {
     using enum DockPlacement;
-    struct {
-        SidebarEdge edge;
-        DockPlacement placement;
-        double length;
-        std::optional<double> center;
-        QRectF expected;
-    } const table[] = {
+    const std::tuple<SidebarEdge, DockPlacement, double, std::optional<double>, QRectF> table[] = {
         { bottom, attached, 200, {}, { 490, 50, 220, 52 } },
         { bottom, detached, 200, {}, { 500, 58, 200, 52 } },
         { left, attached, 200, {}, { 100, 240, 52, 220 } },
@@ -33,27 +27,24 @@ TEST(DockGeometry, dockFrame)
         { bottom, attached, 2000, 300, { 100, 50, 1000, 52 } }, // cut to the screen
         { right, detached, 599.5, {}, { 1040, 50.25, 52, 599.5 } },
     };
-    for (const auto& row : table) {
-        EXPECT_EQ(DockGeometry::dockFrame(screen, row.edge, row.placement, row.length, 52, row.center), row.expected)
-            << rawValue(row.edge).toStdString() << ' ' << row.length << ' ' << row.center.value_or(-1);
+    for (const auto& [edge, placement, length, center, expected] : table) {
+        EXPECT_EQ(DockGeometry::dockFrame(screen, edge, placement, length, 52, center), expected)
+            << rawValue(edge).toStdString() << ' ' << length << ' ' << center.value_or(-1);
     }
 }
 
 TEST(DockGeometry, pillBandAndHotZone)
 {
     const QRectF dock(300, 200, 52, 180);
-    struct {
-        SidebarEdge edge;
-        QRectF pill, band, hotZone;
-    } const table[] = {
+    const std::tuple<SidebarEdge, QRectF, QRectF, QRectF> table[] = {
         { left, { 100, 328, 6, 44 }, { 100, 50, 90, 600 }, { 100, 200, 2, 180 } },
         { right, { 1094, 328, 6, 44 }, { 1010, 50, 90, 600 }, { 1098, 200, 2, 180 } },
         { bottom, { 578, 50, 44, 6 }, { 100, 50, 1000, 90 }, { 300, 50, 52, 2 } },
     };
-    for (const auto& row : table) {
-        EXPECT_EQ(DockGeometry::pillFrame(screen, row.edge, {}), row.pill);
-        EXPECT_EQ(DockGeometry::bandFrame(screen, row.edge, 90), row.band);
-        EXPECT_EQ(DockGeometry::hotZone(screen, row.edge, dock), row.hotZone);
+    for (const auto& [edge, pill, band, hotZone] : table) {
+        EXPECT_EQ(DockGeometry::pillFrame(screen, edge, {}), pill);
+        EXPECT_EQ(DockGeometry::bandFrame(screen, edge, 90), band);
+        EXPECT_EQ(DockGeometry::hotZone(screen, edge, dock), hotZone);
     }
     EXPECT_EQ(DockGeometry::pillFrame(screen, right, 640), QRectF(1094, 606, 6, 44));
     EXPECT_EQ(DockGeometry::pillFrame({ 0, 0, 30, 30 }, bottom, {}), QRectF(0, 0, 30, 6));
@@ -62,12 +53,7 @@ TEST(DockGeometry, pillBandAndHotZone)
 TEST(DockGeometry, cardFrame)
 {
     const QSizeF size(300, 200);
-    struct {
-        SidebarEdge edge;
-        QRectF dock;
-        double anchor;
-        QRectF expected;
-    } const table[] = {
+    const std::tuple<SidebarEdge, QRectF, double, QRectF> table[] = {
         { bottom, { 400, 50, 300, 52 }, 500, { 350, 108, 300, 200 } },
         { bottom, { 400, 50, 300, 52 }, 120, { 100, 108, 300, 200 } },
         { bottom, { 400, 50, 300, 52 }, 1090, { 800, 108, 300, 200 } },
@@ -76,9 +62,9 @@ TEST(DockGeometry, cardFrame)
         { right, { 1048, 200, 52, 300 }, 640, { 742, 450, 300, 200 } },
         { left, { 900, 200, 52, 300 }, 60, { 958, 50, 300, 200 } }, // off the screen across the edge: left alone
     };
-    for (const auto& row : table) {
-        EXPECT_EQ(DockGeometry::cardFrame(size, row.dock, row.anchor, row.edge, screen), row.expected)
-            << rawValue(row.edge).toStdString() << ' ' << row.anchor;
+    for (const auto& [edge, dock, anchor, expected] : table) {
+        EXPECT_EQ(DockGeometry::cardFrame(size, dock, anchor, edge, screen), expected)
+            << rawValue(edge).toStdString() << ' ' << anchor;
     }
     // Higher than the screen: it ends at the top.
     EXPECT_EQ(
@@ -91,13 +77,7 @@ TEST(DockGeometry, isInside)
     const QRectF detached(1040, 250, 52, 200);
     const QRectF onBottom(500, 58, 200, 52);
     const QRectF card(742, 300, 300, 100);
-    struct {
-        const char* what;
-        SidebarEdge edge;
-        QRectF dock;
-        QPointF point;
-        bool inside;
-    } const table[] = {
+    const std::tuple<const char*, SidebarEdge, QRectF, QPointF, bool> table[] = {
         { "the last pixel of the screen", right, attached, { 1099, 300 }, true },
         { "past the screen, where raw motion may say", right, attached, { 1102.9, 300 }, true },
         { "far past it", right, attached, { 1103, 300 }, false },
@@ -116,8 +96,8 @@ TEST(DockGeometry, isInside)
         { "2 beside the card", right, attached, { 740, 350 }, true },
         { "2 beyond the card's far side: open there", right, attached, { 800, 402 }, false },
     };
-    for (const auto& row : table)
-        EXPECT_EQ(DockGeometry::isInside(row.point, row.dock, card, screen, row.edge), row.inside) << row.what;
+    for (const auto& [what, edge, dock, point, inside] : table)
+        EXPECT_EQ(DockGeometry::isInside(point, dock, card, screen, edge), inside) << what;
     EXPECT_FALSE(DockGeometry::isInside({ 800, 350 }, attached, {}, screen, right));
 }
 
@@ -125,12 +105,7 @@ TEST(DockGeometry, crossesEdge)
 {
     const QRectF side(0, 200, 52, 200);
     const QRectF onBottom(400, 50, 200, 52);
-    struct {
-        const char* what;
-        SidebarEdge edge;
-        QPointF from, to;
-        bool crosses;
-    } const table[] = {
+    const std::tuple<const char*, SidebarEdge, QPointF, QPointF, bool> table[] = {
         { "straight out", right, { 1090, 300 }, { 1300, 300 }, true },
         { "stops short", right, { 1090, 300 }, { 1099.9, 300 }, false },
         { "just reaches", right, { 1090, 300 }, { 1100, 300 }, true },
@@ -145,9 +120,9 @@ TEST(DockGeometry, crossesEdge)
         { "slanted, crossing within", bottom, { 300, 100 }, { 500, 0 }, true },
         { "slanted, crossing before", bottom, { 298, 100 }, { 498, 0 }, false },
     };
-    for (const auto& row : table) {
-        const QRectF& dock = row.edge == bottom ? onBottom : side;
-        EXPECT_EQ(DockGeometry::crossesEdge(row.from, row.to, screen, row.edge, dock), row.crosses) << row.what;
+    for (const auto& [what, edge, from, to, crosses] : table) {
+        const QRectF& dock = edge == bottom ? onBottom : side;
+        EXPECT_EQ(DockGeometry::crossesEdge(from, to, screen, edge, dock), crosses) << what;
     }
 }
 
@@ -159,19 +134,15 @@ TEST(DockGeometry, betweenViewsAndTheScreen)
     EXPECT_EQ(DockGeometry::screenRect({ 8, 10, 36, 40 }, strip), QRectF(1056, 410, 36, 40));
 
     const QRectF rect(28, 8, 40, 50);
-    struct {
-        DockAnchor anchor;
-        QRectF view;
-        QSizeF size;
-    } const table[] = {
+    const std::tuple<DockAnchor, QRectF, QSizeF> table[] = {
         { DockAnchor::left, { 8, 28, 50, 40 }, { 70, 300 } },
         { DockAnchor::right, { 12, 28, 50, 40 }, { 70, 300 } },
         { DockAnchor::bottom, { 28, 12, 40, 50 }, { 300, 70 } },
         { DockAnchor::top, { 28, 8, 40, 50 }, { 300, 70 } },
     };
-    for (const auto& row : table) {
-        EXPECT_EQ(viewRect(row.anchor, rect, 70), row.view);
-        EXPECT_EQ(viewSize(row.anchor, 300, 70), row.size);
+    for (const auto& [anchor, view, size] : table) {
+        EXPECT_EQ(viewRect(anchor, rect, 70), view);
+        EXPECT_EQ(viewSize(anchor, 300, 70), size);
     }
 }
 
@@ -184,23 +155,14 @@ TEST(CardGeometry, notchHeight)
 
 TEST(DockTypes, storedIconSize)
 {
-    struct {
-        std::optional<QString> raw;
-        double legacy;
-        bool sidebar;
-        DockIconSize expected;
-    } const table[] = {
-        { u"large"_qs, 28, true, DockIconSize::large },
-        { u"small"_qs, 44, false, DockIconSize::small },
-        { {}, 28, true, DockIconSize::small },
-        { {}, 44, true, DockIconSize::large },
-        { {}, 30, true, DockIconSize::medium },
-        { {}, 48, true, DockIconSize::medium },
-        { u"huge"_qs, 44, true, DockIconSize::large },
-        { {}, 28, false, DockIconSize::medium },
+    const std::tuple<std::optional<QString>, double, bool, DockIconSize> table[] = {
+        { u"large"_qs, 28, true, DockIconSize::large }, { u"small"_qs, 44, false, DockIconSize::small },
+        { {}, 28, true, DockIconSize::small }, { {}, 44, true, DockIconSize::large },
+        { {}, 30, true, DockIconSize::medium }, { {}, 48, true, DockIconSize::medium },
+        { u"huge"_qs, 44, true, DockIconSize::large }, { {}, 28, false, DockIconSize::medium }
     };
-    for (const auto& row : table)
-        EXPECT_EQ(storedIconSize(row.raw, row.legacy, row.sidebar), row.expected) << row.legacy;
+    for (const auto& [raw, legacy, sidebar, expected] : table)
+        EXPECT_EQ(storedIconSize(raw, legacy, sidebar), expected) << legacy;
 }
 
 } // namespace

@@ -21,10 +21,7 @@ TEST(DockLayout, atRest)
     EXPECT_EQ(layout.frames, (std::vector<QRectF>{ { 28, 8, 36, 36 }, { 70, 8, 17, 36 }, { 93, 8, 36, 36 } }));
     EXPECT_EQ(layout.length, 137);
     EXPECT_EQ(layout.thickness, 52);
-}
-
-TEST(DockLayout, anEmptyStripIsOneIconLong)
-{
+    // An empty strip is one icon long.
     EXPECT_EQ(atRest({}).length, 36 + 16 + 20);
     EXPECT_EQ(atRest({}).thickness, 52);
     EXPECT_EQ(atRest({}, DockGap{ 0, 36 }).length, 20 + 8 + 36 - 6 + 8);
@@ -32,24 +29,15 @@ TEST(DockLayout, anEmptyStripIsOneIconLong)
 
 TEST(DockLayout, gaps)
 {
-    struct {
-        qsizetype index;
-        std::vector<double> starts;
-        double length;
-    } const table[] = {
-        { 0, { 70, 112, 135 }, 179 },
-        { 1, { 28, 112, 135 }, 179 },
-        { 2, { 28, 70, 135 }, 179 },
-        { 3, { 28, 70, 93 }, 179 },
-        { 9, { 28, 70, 93 }, 179 },
-    };
-    for (const auto& row : table) {
-        const DockLayout layout = atRest(three, DockGap{ row.index, 42 });
+    const std::pair<qsizetype, std::vector<double>> table[] = { { 0, { 70, 112, 135 } }, { 1, { 28, 112, 135 } },
+        { 2, { 28, 70, 135 } }, { 3, { 28, 70, 93 } }, { 9, { 28, 70, 93 } } };
+    for (const auto& [index, expected] : table) {
+        const DockLayout layout = atRest(three, DockGap{ index, 42 });
         std::vector<double> starts;
         for (const QRectF& frame : layout.frames)
             starts.push_back(frame.x());
-        EXPECT_EQ(starts, row.starts) << row.index;
-        EXPECT_EQ(layout.length, row.length) << row.index;
+        EXPECT_EQ(starts, expected) << index;
+        EXPECT_EQ(layout.length, 179) << index;
     }
 }
 
@@ -84,40 +72,22 @@ TEST(DockLayout, distancesAreThoseAtRest)
 
 TEST(DockLayout, scale)
 {
-    struct {
-        double distance, radius, maxScale, expected;
-    } const table[] = {
-        { 0, 126, 1.6, 1.6 },
-        { 63, 126, 1.6, 1.3 },
-        { 126, 126, 1.6, 1 },
-        { 500, 126, 1.6, 1 },
-        { 0, 126, 3, 2 },
-        { 0, 126, 0.5, 1 },
-        { 0, 0, 1.6, 1 },
-        { 0, -1, 1.6, 1 },
-    };
-    for (const auto& row : table)
-        EXPECT_DOUBLE_EQ(DockLayout::scale(row.distance, row.radius, row.maxScale), row.expected) << row.distance;
+    const std::tuple<double, double, double, double> table[] = { { 0, 126, 1.6, 1.6 }, { 63, 126, 1.6, 1.3 },
+        { 126, 126, 1.6, 1 }, { 500, 126, 1.6, 1 }, { 0, 126, 3, 2 }, { 0, 126, 0.5, 1 }, { 0, 0, 1.6, 1 },
+        { 0, -1, 1.6, 1 } };
+    for (const auto& [distance, radius, maxScale, expected] : table)
+        EXPECT_DOUBLE_EQ(DockLayout::scale(distance, radius, maxScale), expected) << distance;
 }
 
 TEST(DockLayout, fittingIconSize)
 {
-    struct {
-        const char* what;
-        std::vector<DockItemSize> items;
-        double available, expected;
-    } const table[] = {
-        { "nothing", {}, 10, 36 },
-        { "dividers alone", { divider, divider }, 10, 36 },
-        { "room to spare", three, 1000, 36 },
-        { "exactly", three, 72 + 17 + 12 + 16, 36 },
-        { "a point short", three, 71 + 17 + 12 + 16, 35 },
+    const std::tuple<const char*, std::vector<DockItemSize>, double, double> table[] = { { "nothing", {}, 10, 36 },
+        { "dividers alone", { divider, divider }, 10, 36 }, { "room to spare", three, 1000, 36 },
+        { "exactly", three, 72 + 17 + 12 + 16, 36 }, { "a point short", three, 71 + 17 + 12 + 16, 35 },
         { "whole points", three, 70.9 + 17 + 12 + 16, 35 },
-        { "the least", std::vector<DockItemSize>(24, icon), 100, 12 },
-        { "no room at all", three, -50, 12 },
-    };
-    for (const auto& row : table)
-        EXPECT_EQ(DockLayout::fittingIconSize(row.items, 36, row.available), row.expected) << row.what;
+        { "the least", std::vector<DockItemSize>(24, icon), 100, 12 }, { "no room at all", three, -50, 12 } };
+    for (const auto& [what, items, available, expected] : table)
+        EXPECT_EQ(DockLayout::fittingIconSize(items, 36, available), expected) << what;
 }
 
 TEST(DockLayout, dragsBecomeIndices)

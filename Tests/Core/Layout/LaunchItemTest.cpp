@@ -15,49 +15,31 @@ TEST(LaunchItem, names)
     const auto url = [](const char* text, const char* title = "") {
         return link(1, QString::fromUtf8(text), QString::fromUtf8(title));
     };
-    struct {
-        LaunchItem item;
-        const char* expected;
-    } const table[] = {
+    const std::pair<LaunchItem, const char*> table[] = {
         { appAt("/usr/share/applications/org.gnome.Calculator.desktop"), "org.gnome.Calculator" },
-        { appAt("/Applications/Notes.app/"), "Notes" },
-        { appAt("/Applications/Notes.app//"), "Notes" },
-        { appAt("Notes.app"), "Notes" },
-        { appAt("/bin/.hidden"), ".hidden" },
-        { appAt("/bin/ends."), "ends." },
-        { appAt("/bin/plain"), "plain" },
-        { appAt("/"), "/" },
-        { appAt(""), "" },
-        { url("https://example.com/a", " \n A title\t"), "A title" },
+        { appAt("/Applications/Notes.app/"), "Notes" }, { appAt("Notes.app"), "Notes" },
+        { appAt("/bin/.hidden"), ".hidden" }, { appAt("/bin/ends."), "ends." }, { appAt("/bin/plain"), "plain" },
+        { appAt("/"), "/" }, { appAt(""), "" }, { url("https://example.com/a", " \n A title\t"), "A title" },
         { url("https://example.com/a", " \n\t"), "example.com" },
         { url("mailto:someone@example.com"), "mailto:someone@example.com" },
-        { widget(1, WidgetKind::keyboardCleaner), "Keyboard Cleaner" },
-        { divider(1), "Divider" },
+        { widget(1, WidgetKind::keyboardCleaner), "Keyboard Cleaner" }, { divider(1), "Divider" }
     };
-    for (const auto& row : table)
-        EXPECT_EQ(row.item.name().toStdString(), row.expected);
+    for (const auto& [item, expected] : table)
+        EXPECT_EQ(item.name().toStdString(), expected);
 }
 
 TEST(LaunchItem, sameness)
 {
-    struct {
-        LaunchItem a, b;
-        bool same;
-    } const table[] = {
-        { appAt("/a/b.app"), appAt("/a/b.app/"), true },
-        { appAt("/a/./c/../b.app"), appAt("/a/b.app"), true },
-        { appAt("/a/b.app"), appAt("/a/B.app"), false },
+    const std::tuple<LaunchItem, LaunchItem, bool> table[] = { { appAt("/a/b.app"), appAt("/a/b.app/"), true },
+        { appAt("/a/./c/../b.app"), appAt("/a/b.app"), true }, { appAt("/a/b.app"), appAt("/a/B.app"), false },
         { link(1, u"https://a.com/x"_qs, u"One"_qs), link(2, u"https://a.com/x"_qs, u"Two"_qs), true },
         { link(1, u"https://a.com/x"_qs), link(2, u"https://a.com/y"_qs), false },
         { widget(1, WidgetKind::ai), widget(2, WidgetKind::ai), true },
-        { widget(1, WidgetKind::ai), widget(2, WidgetKind::stats), false },
-        { divider(1), divider(1), false },
-        { divider(1), appAt("/"), false },
-        { appAt("/a"), link(1, u"file:///a"_qs), false },
-    };
-    for (const auto& row : table) {
-        EXPECT_EQ(row.a.isSame(row.b), row.same) << row.a.name().toStdString() << ' ' << row.b.name().toStdString();
-        EXPECT_EQ(row.b.isSame(row.a), row.same);
+        { widget(1, WidgetKind::ai), widget(2, WidgetKind::stats), false }, { divider(1), divider(1), false },
+        { divider(1), appAt("/"), false }, { appAt("/a"), link(1, u"file:///a"_qs), false } };
+    for (const auto& [a, b, same] : table) {
+        EXPECT_EQ(a.isSame(b), same) << a.name().toStdString() << ' ' << b.name().toStdString();
+        EXPECT_EQ(b.isSame(a), same);
     }
 }
 
@@ -82,19 +64,6 @@ TEST(LaunchItem, hostsAreLowerCaseAscii)
     EXPECT_EQ(link(1, u"https://bücher.example/"_qs).host(), u"xn--bcher-kva.example"_qs);
     EXPECT_EQ(link(1, u"https://[::1]/"_qs).host(), u"::1"_qs);
     EXPECT_EQ(appAt("/a").host(), QString());
-}
-
-TEST(WidgetKind, switchesAndAvailability)
-{
-    EXPECT_EQ(toggleKeys(WidgetKind::ai), (QStringList{ u"agentsEnabled"_qs, u"limitsEnabled"_qs }));
-    EXPECT_EQ(toggleKeys(WidgetKind::stats), QStringList());
-    EXPECT_EQ(fromRaw<WidgetKind>(u"mirror"), WidgetKind::mirror);
-    EXPECT_EQ(fromRaw<WidgetKind>(u"Mirror"), std::nullopt);
-    EXPECT_EQ(WidgetKinds::available(true).size(), 16);
-    const auto without = WidgetKinds::available(false);
-    EXPECT_EQ(without.size(), 15);
-    EXPECT_FALSE(without.contains(WidgetKind::weather));
-    EXPECT_EQ(without.last(), WidgetKind::displays);
 }
 
 TEST(LaunchItem, storedForm)

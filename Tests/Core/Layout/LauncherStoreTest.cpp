@@ -5,7 +5,6 @@
 using namespace kestro;
 using namespace kestro::test;
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 
 namespace {
 
@@ -46,11 +45,7 @@ TEST(LauncherStore, insertClampsItsIndex)
 TEST(LauncherStore, positionsAmongShownItems)
 {
     const LauncherStore store(apps(1, 6));
-    struct {
-        qsizetype position;
-        std::vector<int> among;
-        qsizetype expected;
-    } const table[] = {
+    const std::tuple<qsizetype, std::vector<int>, qsizetype> table[] = {
         { 0, { 2, 4, 6 }, 1 },
         { 1, { 2, 4, 6 }, 3 },
         { -3, { 2, 4 }, 1 },
@@ -60,54 +55,41 @@ TEST(LauncherStore, positionsAmongShownItems)
         { 0, {}, 6 },
         { 0, { 98, 99 }, 6 },
     };
-    for (const auto& row : table)
-        EXPECT_EQ(store.index(row.position, ids(row.among)), row.expected) << row.position << ' ' << row.among.size();
+    for (const auto& [position, among, expected] : table)
+        EXPECT_EQ(store.index(position, ids(among)), expected) << position << ' ' << among.size();
 }
 
 TEST(LauncherStore, moveTo)
 {
-    struct {
-        int item;
-        qsizetype to;
-        std::vector<int> among, expected;
-    } const table[] = {
+    const std::tuple<int, qsizetype, std::vector<int>, std::vector<int>> table[] = {
         { 1, 2, { 1, 2, 3, 4, 5 }, { 2, 3, 1, 4, 5 } }, // the position is in the list without the item
         { 5, 0, { 1, 2, 3, 4, 5 }, { 5, 1, 2, 3, 4 } },
         { 2, 1, { 2, 4 }, { 1, 3, 4, 2, 5 } },
         { 1, 0, { 1 }, { 2, 3, 4, 5, 1 } }, // nothing else shown
         { 9, 0, { 1, 2 }, { 1, 2, 3, 4, 5 } },
     };
-    for (const auto& row : table) {
+    for (const auto& [item, to, among, expected] : table) {
         LauncherStore store(apps(1, 5));
-        store.move(id(row.item), row.to, ids(row.among));
-        EXPECT_THAT(numbers(store.items()), ElementsAreArray(row.expected)) << row.item << " to " << row.to;
+        store.move(id(item), to, ids(among));
+        EXPECT_EQ(numbers(store.items()), expected) << item << " to " << to;
     }
 }
 
 TEST(LauncherStore, moveBySkipsWhatIsHidden)
 {
     constexpr auto huge = std::numeric_limits<qsizetype>::max();
-    struct {
-        int item;
-        qsizetype by;
-        std::vector<int> among, expected;
-    } const table[] = {
-        { 4, -1, { 1, 4, 5 }, { 4, 1, 2, 3, 5 } },
-        { 1, 1, { 1, 4, 5 }, { 2, 3, 4, 1, 5 } },
-        { 1, 2, { 1, 2, 3, 4, 5 }, { 2, 3, 1, 4, 5 } },
-        { 1, -1, { 1, 4 }, { 1, 2, 3, 4, 5 } },
-        { 4, 1, { 1, 4 }, { 1, 2, 3, 4, 5 } },
-        { 1, huge, { 1, 4 }, { 1, 2, 3, 4, 5 } },
-        { 4, -huge - 1, { 1, 4 }, { 1, 2, 3, 4, 5 } },
-        { 3, 1, { 1, 4 }, { 1, 2, 3, 4, 5 } }, // not among the shown
-        { 1, 1, { 1, 9 }, { 1, 2, 3, 4, 5 } }, // the target is gone
-        { 9, -1, { 1, 9 }, { 1, 2, 3, 4, 5 } },
-        { 1, 0, { 1, 4 }, { 1, 2, 3, 4, 5 } },
+    const std::vector<int> unmoved{ 1, 2, 3, 4, 5 };
+    // The last four: not among the shown, a target that is gone, an item that is gone, no way at all.
+    const std::tuple<int, qsizetype, std::vector<int>, std::vector<int>> table[] = {
+        { 4, -1, { 1, 4, 5 }, { 4, 1, 2, 3, 5 } }, { 1, 1, { 1, 4, 5 }, { 2, 3, 4, 1, 5 } },
+        { 1, 2, unmoved, { 2, 3, 1, 4, 5 } }, { 1, -1, { 1, 4 }, unmoved }, { 4, 1, { 1, 4 }, unmoved },
+        { 1, huge, { 1, 4 }, unmoved }, { 4, -huge - 1, { 1, 4 }, unmoved }, { 3, 1, { 1, 4 }, unmoved },
+        { 1, 1, { 1, 9 }, unmoved }, { 9, -1, { 1, 9 }, unmoved }, { 1, 0, { 1, 4 }, unmoved }
     };
-    for (const auto& row : table) {
+    for (const auto& [item, by, among, expected] : table) {
         LauncherStore store(apps(1, 5));
-        store.moveBy(id(row.item), row.by, ids(row.among));
-        EXPECT_THAT(numbers(store.items()), ElementsAreArray(row.expected)) << row.item << " by " << row.by;
+        store.moveBy(id(item), by, ids(among));
+        EXPECT_EQ(numbers(store.items()), expected) << item << " by " << by;
     }
     LauncherStore store(apps(1, 3));
     store.moveBy(id(3), -1);
@@ -116,24 +98,14 @@ TEST(LauncherStore, moveBySkipsWhatIsHidden)
 
 TEST(LauncherStore, moveOffsets)
 {
-    struct {
-        std::set<qsizetype> offsets;
-        qsizetype to;
-        std::vector<int> expected;
-    } const table[] = {
-        { { 0 }, 3, { 2, 3, 1, 4 } },
-        { { 3, 0 }, 2, { 2, 1, 4, 3 } },
-        { { 1, 2 }, 2, { 1, 2, 3, 4 } },
-        { { 0 }, 4, { 2, 3, 4, 1 } },
-        { { 0, 4 }, 2, { 1, 2, 3, 4 } },
-        { { 0 }, 5, { 1, 2, 3, 4 } },
-        { { -1 }, 2, { 1, 2, 3, 4 } },
-        { {}, 2, { 1, 2, 3, 4 } },
-    };
-    for (const auto& row : table) {
+    const std::tuple<std::set<qsizetype>, qsizetype, std::vector<int>> table[] = { { { 0 }, 3, { 2, 3, 1, 4 } },
+        { { 3, 0 }, 2, { 2, 1, 4, 3 } }, { { 1, 2 }, 2, { 1, 2, 3, 4 } }, { { 0 }, 4, { 2, 3, 4, 1 } },
+        { { 0, 4 }, 2, { 1, 2, 3, 4 } }, { { 0 }, 5, { 1, 2, 3, 4 } }, { { -1 }, 2, { 1, 2, 3, 4 } },
+        { {}, 2, { 1, 2, 3, 4 } } };
+    for (const auto& [offsets, to, expected] : table) {
         LauncherStore store(apps(1, 4));
-        store.moveOffsets(row.offsets, row.to);
-        EXPECT_THAT(numbers(store.items()), ElementsAreArray(row.expected)) << "to " << row.to;
+        store.moveOffsets(offsets, to);
+        EXPECT_EQ(numbers(store.items()), expected) << "to " << to;
     }
 }
 
@@ -143,12 +115,7 @@ TEST(LauncherStore, batches)
     QList<LaunchItem> dividers;
     for (int n = 50; n < 59; ++n)
         dividers.append(divider(n));
-    struct {
-        const char* what;
-        int there; // applications 1 to this
-        QList<LaunchItem> items;
-        std::variant<std::vector<int>, LauncherError> expected;
-    } const table[] = {
+    const std::tuple<const char*, int, QList<LaunchItem>, std::variant<std::vector<int>, LauncherError>> table[] = {
         { "three into three places", 13, apps(30, 32), std::vector{ 30, 31, 32 } },
         { "three into one place", 15, apps(30, 32), LauncherError::full },
         { "repeats take no place", 15, { again(40, 3), app(30), again(41, 30) }, std::vector{ 30 } },
@@ -157,22 +124,23 @@ TEST(LauncherStore, batches)
         { "too many dividers", 0, dividers, LauncherError::tooManyDividers },
         { "both too many", 16, dividers + apps(30, 30), LauncherError::full },
     };
-    for (const auto& row : table) {
-        LauncherStore store(apps(1, row.there));
+    for (const auto& [what, there, items, expected] : table) {
+        SCOPED_TRACE(what);
+        LauncherStore store(apps(1, there));
         const LauncherStore before = store;
-        const auto fresh = store.fresh(row.items);
-        const auto result = store.insert(row.items, 1, ids({ 1, 2 }));
-        if (const auto* error = std::get_if<LauncherError>(&row.expected)) {
-            EXPECT_EQ(std::get<LauncherError>(result), *error) << row.what;
-            EXPECT_EQ(fresh, std::nullopt) << row.what;
-            EXPECT_EQ(store, before) << row.what;
+        const auto fresh = store.fresh(items);
+        const auto result = store.insert(items, 1, ids({ 1, 2 }));
+        if (const auto* error = std::get_if<LauncherError>(&expected)) {
+            EXPECT_EQ(std::get<LauncherError>(result), *error);
+            EXPECT_EQ(fresh, std::nullopt);
+            EXPECT_EQ(store, before);
             continue;
         }
-        const auto& expected = std::get<std::vector<int>>(row.expected);
-        EXPECT_THAT(numbers(std::get<QList<LaunchItem>>(result)), ElementsAreArray(expected)) << row.what;
-        EXPECT_THAT(numbers(*fresh), ElementsAreArray(expected)) << row.what;
-        EXPECT_EQ(store.items().size(), row.there + qsizetype(expected.size()));
-        EXPECT_THAT(numbers(store.items().mid(1, qsizetype(expected.size()))), ElementsAreArray(expected)) << row.what;
+        const auto& inserted = std::get<std::vector<int>>(expected);
+        EXPECT_EQ(numbers(std::get<QList<LaunchItem>>(result)), inserted);
+        EXPECT_EQ(numbers(*fresh), inserted);
+        EXPECT_EQ(store.items().size(), there + qsizetype(inserted.size()));
+        EXPECT_EQ(numbers(store.items().mid(1, qsizetype(inserted.size()))), inserted);
     }
 }
 

@@ -26,13 +26,7 @@ TEST(NotchScreen, home)
 TEST(NotchScreen, target)
 {
     const auto pointer = NotchScreenMode::pointer;
-    struct {
-        const char* what;
-        NotchScreenMode mode;
-        QPointF point;
-        std::optional<quint32> current;
-        quint32 expected;
-    } const table[] = {
+    const std::tuple<const char*, NotchScreenMode, QPointF, std::optional<quint32>, quint32> table[] = {
         { "the built-in one, wherever the pointer is", NotchScreenMode::builtIn, { 500, 1499 }, 1, 3 },
         { "the top band calls", pointer, { 500, 1460 }, 2, 1 },
         { "just under it", pointer, { 500, 1459.9 }, 2, 2 },
@@ -42,9 +36,9 @@ TEST(NotchScreen, target)
         { "nowhere, and the current one is gone", pointer, { 500, 400 }, 9, 3 },
         { "nowhere, from the start", pointer, { 500, 400 }, {}, 3 },
     };
-    for (const auto& row : table) {
-        const auto target = NotchScreen::target({ above, primary, notched }, row.mode, row.point, row.current);
-        EXPECT_EQ(idOf(target), row.expected) << row.what;
+    for (const auto& [what, mode, point, current, expected] : table) {
+        const auto target = NotchScreen::target({ above, primary, notched }, mode, point, current);
+        EXPECT_EQ(idOf(target), expected) << what;
     }
     EXPECT_EQ(NotchScreen::target({}, pointer, { 0, 0 }, 1), std::nullopt);
 }

@@ -34,25 +34,10 @@ QString failure(const std::function<void()>& work)
     }
 }
 
-TEST_F(AtomicFileTest, ReplacesWithTheModeAsked)
-{
-    const mode_t mask = umask(022);
-    AtomicFile::replace(native("new"), "1", std::nullopt);
-    umask(mask);
-    AtomicFile::replace(native("private"), "2", AtomicFile::Attributes{ 0600 });
-    writeFile(in("open"), "long before", 0666);
-    AtomicFile::replace(native("open"), "3", AtomicFile::Attributes{ 0660 });
-    EXPECT_EQ(snapshot(folder()),
-        (FolderState{ { "new", { "1", 0644 } }, { "open", { "3", 0660 } }, { "private", { "2", 0600 } } }));
-}
-
 TEST_F(AtomicFileTest, SurvivesWhatTheSystemRefuses)
 {
-    const struct {
-        const char* name;
-        RefusedCall call;
-        const char* error; // none: it finds another way
-    } cases[] = {
+    // No error: it finds another way.
+    const std::tuple<const char*, RefusedCall, const char*> cases[] = {
         { "a file system without nameless files", { SYS_openat, EOPNOTSUPP, O_TMPFILE }, "" },
         { "no new process", { SYS_vfork, EAGAIN }, "" },
         { "the child's end not told", { SYS_wait4, ECHILD }, "" },
@@ -63,22 +48,19 @@ TEST_F(AtomicFileTest, SurvivesWhatTheSystemRefuses)
         { "a failing disk", { SYS_fsync, EIO }, "the disk reported an error" },
         { "too many files", { SYS_openat, EMFILE }, "too many files are open" },
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
+    for (const auto& [name, call, error] : cases) {
+        SCOPED_TRACE(name);
         writeFile(in("file"), "before");
-        const FolderState before = snapshot(folder());
-        QString error;
-        EXPECT_TRUE(inChild([&] {
-            refuse(c.call);
-            const QString text = failure([&] {
-                AtomicFile::replace(native("file"), "after", AtomicFile::Attributes{ 0640, AtomicFile::Owner{ 1, 1 } });
-            });
-            EXPECT_EQ(text.contains(QStringLiteral("Couldn't save “file” in “")), *c.error != 0);
-            EXPECT_TRUE(text.contains(QLatin1String(c.error))) << text.toStdString();
+        EXPECT_TRUE(inChild([&, refused = call, reason = QString::fromUtf8(error)] {
+            refuse(refused);
+            const AtomicFile::Attributes attributes{ 0640, AtomicFile::Owner{ 1, 1 } };
+            const QString text = failure([&] { AtomicFile::replace(native("file"), "after", attributes); });
+            EXPECT_EQ(text.contains(QStringLiteral("Couldn't save “file” in “")), !reason.isEmpty());
+            EXPECT_TRUE(text.contains(reason)) << text.toStdString();
         }));
-        FolderState after = snapshot(folder());
-        const bool noModes = c.call.number == SYS_fchmod;
-        EXPECT_EQ(after, *c.error ? before : (FolderState{ { "file", { "after", noModes ? 0600U : 0640U } } }));
+        const FileState unchanged{ "before", 0640 };
+        const FileState changed{ "after", call.number == SYS_fchmod ? 0600U : 0640U };
+        EXPECT_EQ(snapshot(folder()), (FolderState{ { "file", *error ? unchanged : changed } }));
     }
 }
 
@@ -97,25 +79,6 @@ TEST_F(AtomicFileTest, LeavesNothingOfAWriteThatFailsHalfWay)
         }));
         EXPECT_EQ(snapshot(folder()), (FolderState{ { "file", { "before", 0640 } } }));
     }
-}
-
-TEST_F(AtomicFileTest, WorksWithSigchldIgnored)
-{
-    EXPECT_TRUE(inChild([&] {
-        signal(SIGCHLD, SIG_IGN);
-        AtomicFile::replace(native("file"), "after", AtomicFile::Attributes{});
-    }));
-    EXPECT_EQ(snapshot(folder()), (FolderState{ { "file", { "after", 0600 } } }));
-}
-
-TEST_F(AtomicFileTest, ClearsALeftoverAway)
-{
-    writeFile(in(".file.kestro.tmp"), "half");
-    AtomicFile::replace(native("file"), "after", AtomicFile::Attributes{});
-    EXPECT_EQ(snapshot(folder()), (FolderState{ { "file", { "after", 0600 } } }));
-    writeFile(in(".file.kestro.tmp"), "half");
-    AtomicFile::removeLeftover(native("file"));
-    EXPECT_EQ(snapshot(folder()), (FolderState{ { "file", { "after", 0600 } } }));
 }
 
 TEST_F(AtomicFileTest, ReplacesALinkAndNotWhatItLeadsTo)
