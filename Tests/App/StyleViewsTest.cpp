@@ -93,6 +93,14 @@ TEST_F(StyleViews, AreNamedByWhatTheyShow)
     }
 }
 
+TEST_F(StyleViews, ShowTheirBarOnlyWithALevel)
+{
+    QQuickItem& bar = show("MeterBar { width: 100; level: -1 }");
+    EXPECT_FALSE(bar.isVisible());
+    bar.setProperty("level", 0);
+    EXPECT_TRUE(bar.isVisible());
+}
+
 TEST_F(StyleViews, APressByAnyHandIsOnePress)
 {
     QQuickItem& row = show("MenuRow { width: 120; label: 'Remove'; focus: true }");

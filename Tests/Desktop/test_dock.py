@@ -111,7 +111,7 @@ class Test(DesktopTest):
 
     def expect_order(self, *names):
         def order():
-            nodes = [node for node in self.tree.find_all() if node.name in names and node.role != "menuitem"]
+            nodes = [node for node in self.tree.find_all() if node.name in names and node.role in ("button", "separator")]
             return [node.name for node in sorted(nodes, key=lambda node: node.frame.y)]
         wait_for(lambda: order() == list(names), 3, lambda: f"{names} in\n{self.tree}")
 
