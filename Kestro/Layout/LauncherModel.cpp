@@ -21,6 +21,17 @@ LauncherModel::LauncherModel(MainLoop& loop, PreferenceStore& preferences, Works
     , m_faviconCache(loop, fetcher, log, faviconFolder)
 {
     load();
+    connect(&preferences, &PreferenceStore::changed, this, &LauncherModel::followFile);
+}
+
+void LauncherModel::followFile(const QStringList& keys)
+{
+    // Our own writes come here too, and hold what the store holds.
+    if (!keys.contains(prefs::launcherItems.key)
+        || prefs::launcherItems.read(m_preferences).value_or(QByteArray()) == m_store.encoded())
+        return;
+    load();
+    Q_EMIT storeChanged();
 }
 
 void LauncherModel::load()

@@ -58,6 +58,8 @@ Q_SIGNALS:
 
 private:
     void load();
+    /// Takes over a layout that another program wrote.
+    void followFile(const QStringList& keys);
     /// Runs `change` on the store; if that made a difference, saves and tells.
     template <class Change> void edit(Change change);
     QString message(LauncherError error, const LaunchItem& item) const;

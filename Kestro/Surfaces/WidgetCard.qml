@@ -48,11 +48,23 @@ Item {
     Component {
         id: agents
 
-        AgentList {
-            rows: root.model.sessionRows
-            errorLines: root.model.agentErrorLines
-            enabled: root.model.agentsEnabled
-            limit: 4
+        Item {
+            AgentList {
+                visible: root.model.agentsEnabled
+                width: parent.width
+                rows: root.model.sessionRows
+                errorLines: root.model.agentErrorLines
+                limit: 4
+            }
+            Label {
+                visible: !root.model.agentsEnabled
+                height: Theme.rowHeight
+                verticalAlignment: Text.AlignVCenter
+                text: "Agent activity is off."
+                color: Theme.secondaryInk
+                Accessible.role: Accessible.StaticText
+                Accessible.name: text
+            }
         }
     }
     Component {

@@ -255,6 +255,18 @@ TEST_F(AppModelTest, theSelectionHoldsWhileOpenAndFallsBackToTheFirstWidget)
     EXPECT_EQ(std::nullopt, model->shownWidget());
 }
 
+TEST_F(AppModelTest, aLayoutThatAnotherProgramWroteIsTakenOver)
+{
+    start();
+    set("launcherItems", LauncherStore({ { QUuid::createUuid(), LaunchItem::Divider{} } }).encoded());
+    platform.loop.turn();
+    EXPECT_THAT(layout(), ElementsAre(QStringLiteral("Divider")));
+    set("launcherItems", QByteArray("rubbish"));
+    platform.loop.turn();
+    EXPECT_THAT(layout(), IsEmpty());
+    EXPECT_EQ(QVariant(QByteArray("rubbish")), stored("launcherItems.corrupt"));
+}
+
 TEST_F(AppModelTest, widgetsWithoutACardAreNotShown)
 {
     set("musicEnabled", true);

@@ -5,9 +5,12 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
+#include <gmock/gmock.h>
 #include <ostream>
 
 namespace kestro::test {
+
+using namespace Qt::StringLiterals;
 
 /// Runs the loop until `condition` holds; false after five seconds.
 template <typename Condition> bool waitFor(Condition condition) { return QTest::qWaitFor(condition, 5000); }
