@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Kestro/Platform/PreferenceStore.h"
-#include "KestroCore/Layout/RawString.h"
+#include "KestroCore/Support/RawString.h"
 
 #include <algorithm>
 #include <cmath>

@@ -5,7 +5,7 @@ import Kestro.Style
 Item {
     id: root
 
-    property alias text: bubble.text
+    required property string text
     required property real shadowRoom
 
     implicitWidth: bubble.implicitWidth
@@ -16,5 +16,6 @@ Item {
 
         anchors.fill: parent
         anchors.margins: root.shadowRoom
+        text: root.text
     }
 }

@@ -33,9 +33,9 @@ void makeFolder(const std::filesystem::path& folder)
         throwPosix(errno, "mkdir");
 }
 
-AgentSocketDescriptor listenAt(const std::string& path)
+FileDescriptor listenAt(const std::string& path)
 {
-    AgentSocketDescriptor listener(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    FileDescriptor listener(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
     if (!listener)
         throwPosix(errno, "socket");
     sockaddr_un address{};

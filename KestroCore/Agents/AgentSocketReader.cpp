@@ -20,14 +20,8 @@ constexpr size_t firstClientSlot = 2;
 
 } // namespace
 
-void AgentSocketDescriptor::close()
-{
-    if (m_fd >= 0)
-        ::close(std::exchange(m_fd, -1));
-}
-
 AgentSocketReader::AgentSocketReader(
-    AgentSocketDescriptor listener, std::function<void(SocketMessage)> onMessage, AgentSocketLimits limits)
+    FileDescriptor listener, std::function<void(SocketMessage)> onMessage, AgentSocketLimits limits)
     : m_listener(std::move(listener))
     , m_wake(::eventfd(0, EFD_CLOEXEC))
     , m_onMessage(std::move(onMessage))
@@ -106,7 +100,7 @@ void AgentSocketReader::serve(Clock::time_point now)
 
 void AgentSocketReader::acceptOne(Clock::time_point now)
 {
-    AgentSocketDescriptor descriptor(::accept4(m_listener.get(), nullptr, nullptr, SOCK_CLOEXEC));
+    FileDescriptor descriptor(::accept4(m_listener.get(), nullptr, nullptr, SOCK_CLOEXEC));
     if (!descriptor) {
         // Without descriptors the connection stays in the backlog and would wake us at once, for ever.
         m_acceptAgain = now + m_limits.acceptRetry;

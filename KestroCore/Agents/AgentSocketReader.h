@@ -2,6 +2,7 @@
 
 #include "KestroCore/Agents/MessageFramer.h"
 #include "KestroCore/Agents/SocketMessage.h"
+#include "KestroCore/Support/FileDescriptor.h"
 
 #include <chrono>
 #include <functional>
@@ -22,39 +23,12 @@ struct AgentSocketLimits {
     qsizetype heldBytes = 67'108'864; ///< of all clients together; at least `messageBytes`
 };
 
-/// Owns one file descriptor; -1 is none.
-class AgentSocketDescriptor {
-public:
-    explicit AgentSocketDescriptor(int fd = -1)
-        : m_fd(fd)
-    {
-    }
-    AgentSocketDescriptor(AgentSocketDescriptor&& other) noexcept
-        : m_fd(std::exchange(other.m_fd, -1))
-    {
-    }
-    AgentSocketDescriptor& operator=(AgentSocketDescriptor&& other) noexcept
-    {
-        std::swap(m_fd, other.m_fd);
-        return *this;
-    }
-    ~AgentSocketDescriptor() { close(); }
-
-    int get() const { return m_fd; }
-    explicit operator bool() const { return m_fd >= 0; }
-    void close();
-
-private:
-    int m_fd;
-};
-
 /// Reads the clients of a listening socket side by side on the one thread that calls `run`. It sleeps in the kernel
 /// while no client is connected and never writes to one.
 class AgentSocketReader {
 public:
     /// Throws std::system_error when there is no descriptor for the wake-up.
-    AgentSocketReader(
-        AgentSocketDescriptor listener, std::function<void(SocketMessage)> onMessage, AgentSocketLimits limits);
+    AgentSocketReader(FileDescriptor listener, std::function<void(SocketMessage)> onMessage, AgentSocketLimits limits);
 
     /// Blocks until `stop`; calls `onMessage` meanwhile.
     void run();
@@ -64,7 +38,7 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
     struct Client {
-        AgentSocketDescriptor descriptor; // none once the client is done with
+        FileDescriptor descriptor; // none once the client is done with
         MessageFramer framer;
         Clock::time_point since;
         Clock::time_point heard;
@@ -79,8 +53,8 @@ private:
     bool hasRoom() const;
     Clock::time_point deadline(const Client& client) const;
 
-    AgentSocketDescriptor m_listener;
-    AgentSocketDescriptor m_wake;
+    FileDescriptor m_listener;
+    FileDescriptor m_wake;
     std::function<void(SocketMessage)> m_onMessage;
     AgentSocketLimits m_limits;
     std::vector<char> m_buffer;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "KestroCore/Layout/RawString.h"
+#include "KestroCore/Support/RawString.h"
 
 #include <QRectF>
 #include <QSizeF>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "KestroCore/Layout/RawString.h"
 #include "KestroCore/Layout/ScreenInfo.h"
+#include "KestroCore/Support/RawString.h"
 
 #include <QList>
 #include <QPointF>

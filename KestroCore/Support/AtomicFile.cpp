@@ -1,5 +1,6 @@
 #include "KestroCore/Support/AtomicFile.h"
 
+#include "KestroCore/Support/FileDescriptor.h"
 #include "KestroCore/Support/PosixError.h"
 
 #include <cerrno>
@@ -22,34 +23,6 @@
 namespace kestro::AtomicFile {
 
 namespace {
-
-class Descriptor {
-public:
-    explicit Descriptor(int fd = -1)
-        : m_fd(fd)
-    {
-    }
-    Descriptor(Descriptor&& other) noexcept
-        : m_fd(std::exchange(other.m_fd, -1))
-    {
-    }
-    Descriptor& operator=(Descriptor&& other) noexcept
-    {
-        std::swap(m_fd, other.m_fd);
-        return *this;
-    }
-    ~Descriptor()
-    {
-        if (m_fd >= 0)
-            close(m_fd);
-    }
-
-    explicit operator bool() const { return m_fd >= 0; }
-    int get() const { return m_fd; }
-
-private:
-    int m_fd;
-};
 
 /// Calls again what a signal interrupted.
 template <typename Call> auto uninterrupted(Call call)
@@ -156,13 +129,13 @@ void fill(int fd, QByteArrayView bytes, const std::optional<Attributes>& attribu
     check(uninterrupted([&] { return fsync(fd); }) == 0 || errno == EINVAL, path);
 }
 
-Descriptor openFolder(const QByteArray& path)
+FileDescriptor openFolder(const QByteArray& path)
 {
     const QByteArray folder = folderOf(path);
     const auto open = [&](int how) {
-        return Descriptor(uninterrupted([&] { return ::open(folder.constData(), how | O_DIRECTORY | O_CLOEXEC); }));
+        return FileDescriptor(uninterrupted([&] { return ::open(folder.constData(), how | O_DIRECTORY | O_CLOEXEC); }));
     };
-    Descriptor fd = open(O_RDONLY);
+    FileDescriptor fd = open(O_RDONLY);
     // A folder may be written to and not listed; then it cannot be synchronised either.
     return fd || errno != EACCES ? std::move(fd) : open(O_PATH);
 }
@@ -195,7 +168,7 @@ std::optional<Contents> read(const QByteArray& path, qsizetype limit)
             return std::nullopt;
         throw PosixError::reading(path, errno);
     }
-    const Descriptor fd(
+    const FileDescriptor fd(
         uninterrupted([&] { return open(path.constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC); }));
     if (!fd || fstat(fd.get(), &info) != 0)
         throw PosixError::reading(path, errno);
@@ -208,7 +181,7 @@ std::optional<Contents> read(const QByteArray& path, qsizetype limit)
 
 void replace(const QByteArray& path, QByteArrayView bytes, const std::optional<Attributes>& attributes)
 {
-    const Descriptor folder = openFolder(path);
+    const FileDescriptor folder = openFolder(path);
     check(bool(folder), path);
     const QByteArray temporary = temporaryNameOf(path);
     const QByteArray name = nameOf(path);
@@ -217,9 +190,10 @@ void replace(const QByteArray& path, QByteArrayView bytes, const std::optional<A
 
     const mode_t mode = attributes ? 0600 : 0666; // the system takes the umask off a new file's
     const auto open = [&](const char* what, int how) {
-        return Descriptor(uninterrupted([&] { return openat(folder.get(), what, how | O_WRONLY | O_CLOEXEC, mode); }));
+        return FileDescriptor(
+            uninterrupted([&] { return openat(folder.get(), what, how | O_WRONLY | O_CLOEXEC, mode); }));
     };
-    Descriptor fd = open(".", O_TMPFILE);
+    FileDescriptor fd = open(".", O_TMPFILE);
     const bool nameless = bool(fd);
     if (!nameless) {
         check(errno == EOPNOTSUPP || errno == EISDIR, path);

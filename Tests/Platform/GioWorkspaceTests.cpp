@@ -4,7 +4,6 @@
 #include <QDir>
 #include <QIcon>
 #include <cerrno>
-#include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 
@@ -13,43 +12,37 @@ namespace {
 
 using namespace test;
 
+const QByteArray app = "[Desktop Entry]\nType=Application\nName=App\n";
+
 class GioWorkspaceTest : public testing::Test {
 protected:
     // GIO looks at these once: they are set before its first use, for the whole program.
     static void SetUpTestSuite()
     {
-        qputenv("XDG_DATA_HOME", QFile::encodeName(s_data.path()));
-        qputenv("XDG_DATA_DIRS", QFile::encodeName(s_data.path()));
+        for (const char* const name : { "XDG_DATA_HOME", "XDG_DATA_DIRS", "XDG_CONFIG_HOME" })
+            qputenv(name, QFile::encodeName(s_data.path()));
         qputenv("LANGUAGE", "xx");
-        qputenv("XDG_CONFIG_HOME", QFile::encodeName(s_data.path()));
         // Without an address GIO would start a bus and leave it running.
         if (qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS"))
             qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
 
-        QDir(s_data.path()).mkdir(QStringLiteral("applications"));
-        writeFile(s_data.filePath(QStringLiteral("applications/opener.desktop")),
-            "[Desktop Entry]\nType=Application\nName=Opener\nMimeType=x-scheme-handler/kestro-test;\nExec=sh "
-                + QFile::encodeName(s_data.filePath(QStringLiteral("opener"))) + " %u\n");
-        writeFile(s_data.filePath(QStringLiteral("opener")),
-            "cd \"${0%/*}\"; echo \"$1\" > opened.part; mv opened.part opened\n");
-        writeFile(s_data.filePath(QStringLiteral("mimeapps.list")),
+        QDir(s_data.path()).mkdir(u"applications"_s);
+        const QString opener = s_data.filePath(u"opener"_s);
+        writeFile(opener, "cd \"${0%/*}\"; echo \"$1\" > opened.part; mv opened.part opened\n");
+        writeFile(s_data.filePath(u"applications/opener.desktop"_s),
+            app + "MimeType=x-scheme-handler/kestro-test;\nExec=sh " + QFile::encodeName(opener) + " %u\n");
+        writeFile(s_data.filePath(u"mimeapps.list"_s),
             "[Default Applications]\nx-scheme-handler/kestro-test=opener.desktop\n");
     }
-
     QString write(const QString& name, const QByteArray& content) const
     {
-        const QString path = m_folder.filePath(name);
-        writeFile(path, content);
-        return path;
-    }
-    QString entry(const QByteArray& keys, const QString& name = QStringLiteral("app.desktop")) const
-    {
-        return write(name, "[Desktop Entry]\nType=Application\nName=App\n" + keys);
+        writeFile(m_folder.filePath(name), content);
+        return m_folder.filePath(name);
     }
     // The reason, or "started".
     QString open(const QString& path)
     {
-        QString outcome = QStringLiteral("started");
+        QString outcome = u"started"_s;
         m_workspace.openApplication(path, [&](const QString& error) { outcome = error; });
         return outcome;
     }
@@ -61,135 +54,104 @@ protected:
 
 TEST_F(GioWorkspaceTest, KnowsAnApplicationFromAnythingElse)
 {
-    const struct {
-        const char* name;
-        QByteArray content;
-        std::optional<QString> displayName;
-    } cases[] = {
-        { "a.desktop", "[Desktop Entry]\nType=Application\nName=Files\nExec=true\n", QStringLiteral("Files") },
-        { "utf8.desktop", "[Desktop Entry]\nType=Application\nName=Caf\xC3\xA9\nExec=true %U\n",
-            QStringLiteral("Caf\u00e9") },
-        { "tongues.desktop", "[Desktop Entry]\nType=Application\nName=Files\nName[xx]=Dateien\nExec=\"true\" %U\n",
-            QStringLiteral("Dateien") },
-        { "try.desktop", "[Desktop Entry]\nType=Application\nName=X\nExec=true\nTryExec=no-such-program\n",
-            std::nullopt },
-        { "link.desktop", "[Desktop Entry]\nType=Link\nName=Link\nURL=https://example.org\n", std::nullopt },
-        { "hidden.desktop", "[Desktop Entry]\nType=Application\nName=X\nExec=true\nHidden=true\n", std::nullopt },
-        { "gone.desktop", "[Desktop Entry]\nType=Application\nName=X\nExec=/nonexistent/x\n", std::nullopt },
-        { "notype.desktop", "[Desktop Entry]\nName=X\nExec=true\n", std::nullopt },
-        { "garbage.desktop", "\x01\xFF[[[", std::nullopt },
-        { "empty.desktop", "", std::nullopt },
-        { "huge.desktop", "[Desktop Entry]\nType=Application\nName=X\nExec=true\n" + QByteArray(2 << 20, '#'),
-            std::nullopt },
-        { "a.txt", "[Desktop Entry]\nType=Application\nName=X\nExec=true\n", std::nullopt },
+    const std::tuple<QString, QByteArray, std::optional<QString>> cases[] = {
+        { u"a.desktop"_s, app + "Exec=true\n", u"App"_s },
+        { u"utf8.desktop"_s, "[Desktop Entry]\nType=Application\nName=Caf\xC3\xA9\nExec=true %U\n", u"Café"_s },
+        { u"tongues.desktop"_s, app + "Name[xx]=Dateien\nExec=\"true\" %U\n", u"Dateien"_s },
+        { u"try.desktop"_s, app + "Exec=true\nTryExec=no-such-program\n", std::nullopt },
+        { u"link.desktop"_s, "[Desktop Entry]\nType=Link\nName=Link\nURL=https://example.org\n", std::nullopt },
+        { u"hidden.desktop"_s, app + "Exec=true\nHidden=true\n", std::nullopt },
+        { u"gone.desktop"_s, app + "Exec=/nonexistent/x\n", std::nullopt },
+        { u"garbage.desktop"_s, "\x01\xFF[[[", std::nullopt },
+        { u"huge.desktop"_s, app + "Exec=true\n" + QByteArray(2 << 20, '#'), std::nullopt },
+        { u"a.txt"_s, app + "Exec=true\n", std::nullopt },
     };
-    for (const auto& c : cases) {
-        const QString path = write(QLatin1String(c.name), c.content);
-        EXPECT_EQ(m_workspace.isApplication(path), c.displayName.has_value()) << c.name;
-        EXPECT_EQ(m_workspace.displayName(path), c.displayName) << c.name;
+    for (const auto& [name, content, displayName] : cases) {
+        const QString path = write(name, content);
+        EXPECT_EQ(m_workspace.isApplication(path), displayName.has_value()) << name.toStdString();
+        EXPECT_EQ(m_workspace.displayName(path), displayName) << name.toStdString();
         EXPECT_TRUE(m_workspace.fileExists(path));
     }
-    const QString pipe = m_folder.filePath(QStringLiteral("pipe.desktop"));
+    const QString pipe = m_folder.filePath(u"pipe.desktop"_s);
     ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
     EXPECT_FALSE(m_workspace.isApplication(pipe));
     EXPECT_FALSE(m_workspace.isApplication(m_folder.path()));
-    EXPECT_FALSE(m_workspace.fileExists(m_folder.filePath(QStringLiteral("missing"))));
 }
 
 TEST_F(GioWorkspaceTest, DrawsIconsFromFilesAndThemes)
 {
-    const QString wide = m_folder.filePath(QStringLiteral("wide.png"));
     QImage picture(200, 100, QImage::Format_ARGB32);
     picture.fill(Qt::red);
-    ASSERT_TRUE(picture.save(wide));
-    const QString small = m_folder.filePath(QStringLiteral("small.png"));
-    ASSERT_TRUE(picture.copy(0, 0, 20, 20).save(small));
-    const QString drawing = write(QStringLiteral("drawing.svg"),
-        R"(<svg xmlns="http://www.w3.org/2000/svg" width="10" height="10"><rect width="10" height="10" fill="red"/></svg>)");
-    const QString theme = s_data.filePath(QStringLiteral("icons/hicolor"));
-    QDir().mkpath(theme + QStringLiteral("/48x48/apps"));
-    writeFile(theme + QStringLiteral("/index.theme"),
-        "[Icon "
-        "Theme]\nName=hicolor\nDirectories=48x48/apps\n[48x48/apps]\nSize=48\nType=Fixed\nContext=Applications\n");
-    ASSERT_TRUE(picture.copy(0, 0, 48, 48).save(theme + QStringLiteral("/48x48/apps/themed.png")));
-    QIcon::setThemeSearchPaths({ s_data.filePath(QStringLiteral("icons")) });
-
-    const struct {
-        QString icon;
-        QSize size;
-    } cases[] = {
+    const QString wide = m_folder.filePath(u"wide.png"_s);
+    const QString small = m_folder.filePath(u"small.png"_s);
+    const QString theme = s_data.filePath(u"icons/hicolor"_s);
+    QDir().mkpath(theme + u"/48x48/apps"_s);
+    ASSERT_TRUE(picture.save(wide) && picture.copy(0, 0, 20, 20).save(small)
+        && picture.copy(0, 0, 48, 48).save(theme + u"/48x48/apps/themed.png"_s));
+    writeFile(theme + u"/index.theme"_s,
+        "[Icon Theme]\nName=hicolor\nDirectories=48x48/apps\n[48x48/apps]\nSize=48\nType=Fixed\n");
+    QIcon::setThemeSearchPaths({ s_data.filePath(u"icons"_s) });
+    const std::pair<QString, QSize> cases[] = {
         { wide, { 64, 32 } },
         { small, { 20, 20 } },
-        { drawing, { 64, 64 } },
-        { QStringLiteral("themed"), { 48, 48 } },
-        { QStringLiteral("no-such-icon"), {} },
-        { m_folder.path(), {} },
-        { write(QStringLiteral("broken.png"), "not a picture"), {} },
+        { write(u"drawing.svg"_s, R"(<svg xmlns="http://www.w3.org/2000/svg" width="10" height="10">
+            <rect width="10" height="10" fill="red"/></svg>)"),
+            { 64, 64 } },
+        { u"themed"_s, { 48, 48 } },
+        { u"no-such-icon"_s, { 0, 0 } },
+        { m_folder.path(), { 0, 0 } },
+        { write(u"broken.png"_s, "not a picture"), { 0, 0 } },
     };
-    for (const auto& c : cases) {
-        const QImage image = m_workspace.icon(entry("Exec=true\nIcon=" + c.icon.toUtf8() + '\n'), 64);
-        EXPECT_EQ(image.size(), c.size.isValid() ? c.size : QSize(0, 0)) << c.icon.toStdString();
-        if (!image.isNull()) {
-            EXPECT_EQ(image.pixelColor(image.rect().center()), QColor(Qt::red)) << c.icon.toStdString();
-        }
+    for (const auto& [icon, size] : cases) {
+        SCOPED_TRACE(icon.toStdString());
+        const QImage image =
+            m_workspace.icon(write(u"app.desktop"_s, app + "Exec=true\nIcon=" + icon.toUtf8() + '\n'), 64);
+        EXPECT_EQ(image.size(), size);
+        EXPECT_TRUE(image.isNull() || image.pixelColor(image.rect().center()) == QColor(Qt::red));
     }
-    EXPECT_TRUE(m_workspace.icon(m_folder.filePath(QStringLiteral("missing")), 64).isNull());
 }
 
 TEST_F(GioWorkspaceTest, StartsApplicationsInASessionOfTheirOwn)
 {
-    const QString trace = m_folder.filePath(QStringLiteral("trace"));
-    const QString script = write(QStringLiteral("script"),
-        "echo $(ps -o sid= -p $$) ${DESKTOP_STARTUP_ID-none} $GIO_LAUNCHED_DESKTOP_FILE > \"$1.part\"; mv \"$1.part\" "
-        "\"$1\"\n");
+    const QString trace = m_folder.filePath(u"trace"_s);
+    const QString script = write(u"script"_s,
+        "echo $(ps -o sid= -p $$) ${DESKTOP_STARTUP_ID-none} $GIO_LAUNCHED_DESKTOP_FILE > \"$1.part\"\n"
+        "mv \"$1.part\" \"$1\"\n");
+    const QString path = write(u"app.desktop"_s, app + u"Exec=sh \"%1\" \"%2\" %U\n"_s.arg(script, trace).toUtf8());
     qputenv("DESKTOP_STARTUP_ID", "ours");
-    const QString path =
-        entry("Exec=sh \"" + QFile::encodeName(script) + "\" \"" + QFile::encodeName(trace) + "\" %U\n");
-    EXPECT_EQ(open(path), QStringLiteral("started"));
+    EXPECT_EQ(open(path), u"started"_s);
     qunsetenv("DESKTOP_STARTUP_ID");
     ASSERT_TRUE(waitFor([&] { return QFile::exists(trace); }));
     const QByteArrayList words = contentOf(trace).trimmed().split(' ');
-    ASSERT_EQ(words.size(), 3);
     EXPECT_NE(words[0].toInt(), ::getsid(0));
-    EXPECT_EQ(words[1], "none");
-    EXPECT_EQ(QFile::decodeName(words[2]), path);
+    EXPECT_THAT(words.mid(1), testing::ElementsAre("none", QFile::encodeName(path)));
     EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "a child of ours was left";
     EXPECT_EQ(errno, ECHILD);
 }
 
-TEST_F(GioWorkspaceTest, SaysWhyItCannotOpen)
+TEST_F(GioWorkspaceTest, SaysWhatItCannotDo)
 {
-    const struct {
-        QString path;
-        QString reason;
-    } cases[] = {
-        { m_folder.filePath(QStringLiteral("missing.desktop")), QStringLiteral("there is no such file") },
-        { entry("Exec=/nonexistent/x\n"), QStringLiteral("it is not an application that can be started") },
-        { entry({}, QStringLiteral("noexec.desktop")), QStringLiteral("Desktop file didn\u2019t specify Exec field") },
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(open(c.path), c.reason);
-    EXPECT_NE(open(write(QStringLiteral("odd.kestro-odd"), "x")), QStringLiteral("started"));
+    const QString missing = m_folder.filePath(u"missing.desktop"_s);
+    EXPECT_EQ(open(missing), u"there is no such file"_s);
+    EXPECT_EQ(open(write(u"gone.desktop"_s, app + "Exec=/nonexistent/x\n")),
+        u"it is not an application that can be started"_s);
+    EXPECT_EQ(open(write(u"noexec.desktop"_s, app)), u"Desktop file didn’t specify Exec field"_s);
+    EXPECT_NE(open(write(u"odd.kestro-odd"_s, "x")), u"started"_s);
+    for (const char* const url : { "kestro-none://x", "relative/path", "" })
+        EXPECT_FALSE(m_workspace.openUrl(QUrl(QLatin1String(url)))) << url;
+    EXPECT_FALSE(m_workspace.moveToTrash(missing));
+    // Where temporary files are on a disk of their own there may be no trash for them: what counts is a true answer.
+    const QString file = write(u"file"_s, "x");
+    const bool moved = m_workspace.moveToTrash(file);
+    EXPECT_NE(m_workspace.fileExists(file), moved);
 }
 
 TEST_F(GioWorkspaceTest, OpensAddressesWithTheirApplication)
 {
-    const QString trace = s_data.filePath(QStringLiteral("opened"));
-    EXPECT_TRUE(m_workspace.openUrl(QUrl(QStringLiteral("kestro-test://a/b%20c?d=e"))));
+    const QString trace = s_data.filePath(u"opened"_s);
+    EXPECT_TRUE(m_workspace.openUrl(QUrl(u"kestro-test://a/b%20c?d=e"_s)));
     ASSERT_TRUE(waitFor([&] { return QFile::exists(trace); }));
     EXPECT_EQ(contentOf(trace), "kestro-test://a/b%20c?d=e\n");
-
-    for (const char* const url : { "kestro-none://x", "relative/path", "" })
-        EXPECT_FALSE(m_workspace.openUrl(QUrl(QLatin1String(url)))) << url;
-}
-
-TEST_F(GioWorkspaceTest, MovesToTheTrash)
-{
-    EXPECT_FALSE(m_workspace.moveToTrash(m_folder.filePath(QStringLiteral("missing"))));
-    // Where temporary files are on a disk of their own there may be no trash for them: what counts is a true answer.
-    const QString file = write(QStringLiteral("file"), "x");
-    const bool moved = m_workspace.moveToTrash(file);
-    EXPECT_NE(QFile::exists(file), moved);
 }
 
 } // namespace

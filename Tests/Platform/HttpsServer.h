@@ -15,108 +15,86 @@ namespace kestro::test {
 /// of its own. It runs on the test's loop.
 class HttpsServer {
 public:
+    static constexpr qint64 gigabyte = 1 << 30;
+
     HttpsServer()
     {
-        QProcess openssl;
-        openssl.start(QStringLiteral("openssl"),
-            QStringLiteral("req -x509 -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes -days 2 -subj /CN=kestro-test "
-                           "-addext subjectAltName=IP:127.0.0.1 -keyout %1 -out %2")
-                .arg(m_folder.filePath(QStringLiteral("key")), m_folder.filePath(QStringLiteral("certificate")))
-                .split(QLatin1Char(' ')));
-        openssl.waitForFinished();
+        const QString key = m_folder.filePath(u"key"_s);
+        const QString certificate = m_folder.filePath(u"certificate"_s);
+        QProcess::execute(u"openssl"_s,
+            u"req -x509 -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes -days 2 -subj /CN=kestro-test "
+            "-addext subjectAltName=IP:127.0.0.1 -keyout %1 -out %2"_s.arg(key, certificate)
+                .split(u' '));
+        authority = QSslCertificate::fromData(contentOf(certificate));
         QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
-        tls.setLocalCertificate(authority().value(0));
-        tls.setPrivateKey(QSslKey(contentOf(m_folder.filePath(QStringLiteral("key"))), QSsl::Ec));
+        tls.setLocalCertificate(authority.value(0));
+        tls.setPrivateKey(QSslKey(contentOf(key), QSsl::Ec));
         m_server.setSslConfiguration(tls);
-        QObject::connect(&m_server, &QTcpServer::pendingConnectionAvailable, &m_server, [this] { accept(); });
+        QObject::connect(&m_server, &QTcpServer::pendingConnectionAvailable, &m_server, [this] {
+            while (QTcpSocket* const socket = m_server.nextPendingConnection())
+                QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, socket] { read(*socket); });
+        });
         m_server.listen(QHostAddress::AnyIPv4);
-    }
-
-    QList<QSslCertificate> authority() const
-    {
-        return QSslCertificate::fromData(contentOf(m_folder.filePath(QStringLiteral("certificate"))));
     }
     QUrl url(const char* path) const
     {
-        return QUrl(QStringLiteral("https://127.0.0.1:%1%2").arg(m_server.serverPort()).arg(QLatin1String(path)));
+        return QUrl(u"https://127.0.0.1:%1%2"_s.arg(m_server.serverPort()).arg(QLatin1String(path)));
     }
-    qint64 endlessBytes() const { return m_endlessBytes; }
-    int loops() const { return m_loops; }
-    int requests() const { return m_requests; }
-    const QByteArray& lastRequest() const { return m_lastRequest; }
+
+    QList<QSslCertificate> authority;
+    QByteArrayList requests;
+    qint64 endlessBytes = 0;
 
 private:
-    void accept()
+    void read(QTcpSocket& socket)
     {
-        while (QTcpSocket* const socket = m_server.nextPendingConnection()) {
-            QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, socket] {
-                QByteArray request = socket->property("request").toByteArray() + socket->readAll();
-                const bool whole = request.endsWith("\r\n\r\n");
-                socket->setProperty("request", whole ? QByteArray() : request);
-                if (whole)
-                    answer(*socket, request);
-            });
-            QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+        const QByteArray request = socket.property("request").toByteArray() + socket.readAll();
+        const bool whole = request.endsWith("\r\n\r\n");
+        socket.setProperty("request", whole ? QByteArray() : request);
+        if (whole) {
+            requests.append(request);
+            answer(socket, request.split(' ').value(1));
         }
     }
-
-    static void send(QTcpSocket& socket, const QByteArray& status, const QByteArray& headers, const QByteArray& body)
+    void answer(QTcpSocket& socket, const QByteArray& path)
     {
-        socket.write("HTTP/1.1 " + status + "\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n" + headers
-            + "\r\n" + body);
-    }
-    static void redirect(QTcpSocket& socket, const QUrl& target)
-    {
-        send(socket, "302 Found", "Location: " + target.toEncoded() + "\r\n", {});
-    }
-
-    void answer(QTcpSocket& socket, const QByteArray& request)
-    {
-        ++m_requests;
-        m_lastRequest = request;
-        const QByteArray path = request.split(' ').value(1);
-        if (path == "/good")
-            send(socket, "200 OK", {}, "hello");
-        else if (path == "/missing")
-            send(socket, "404 Not Found", {}, "none");
-        else if (path == "/broken")
-            send(socket, "503 Service Unavailable", {}, {});
-        else if (path == "/cookie")
-            send(socket, "200 OK", "Set-Cookie: a=b; Path=/\r\n", "hello");
-        else if (path == "/packed")
-            send(socket, "200 OK", "Content-Encoding: gzip\r\n", "\x1F\x8B not unpacked");
-        else if (path == "/full")
-            send(socket, "200 OK", {}, QByteArray(100'000, 'x'));
-        else if (path == "/over")
-            send(socket, "200 OK", {}, QByteArray(100'001, 'x'));
-        else if (path == "/redirect")
-            redirect(socket, url("/good"));
-        else if (path == "/insecure")
-            redirect(socket, QUrl(QStringLiteral("http://127.0.0.1:1/")));
-        else
-            misbehave(socket, path);
-    }
-
-    void misbehave(QTcpSocket& socket, const QByteArray& path)
-    {
-        if (path == "/loop") {
-            ++m_loops;
-            redirect(socket, url("/loop"));
-        } else if (path == "/cut") {
-            socket.write("HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nfirst");
+        const struct {
+            const char* path;
+            const char* status;
+            QByteArray header;
+            QByteArray body;
+        } answers[] = {
+            { "/good", "200 OK", {}, "hello" },
+            { "/missing", "404 Not Found", {}, "none" },
+            { "/cookie", "200 OK", "Set-Cookie: a=b; Path=/\r\n", "hello" },
+            { "/packed", "200 OK", "Content-Encoding: gzip\r\n", "\x1F\x8B not unpacked" },
+            { "/full", "200 OK", {}, QByteArray(100'000, 'x') },
+            { "/over", "200 OK", {}, QByteArray(100'001, 'x') },
+            { "/redirect", "302 Found", "Location: " + url("/good").toEncoded() + "\r\n", {} },
+            { "/loop", "302 Found", "Location: " + url("/loop").toEncoded() + "\r\n", {} },
+            { "/insecure", "302 Found", "Location: http://127.0.0.1:1/\r\n", {} },
+        };
+        const auto head = [&](qint64 size) { return "Content-Length: " + QByteArray::number(size) + "\r\n"; };
+        for (const auto& a : answers) {
+            if (path == a.path)
+                socket.write(
+                    "HTTP/1.1 " + QByteArray(a.status) + "\r\n" + head(a.body.size()) + a.header + "\r\n" + a.body);
+        }
+        if (path == "/cut") {
+            socket.write("HTTP/1.1 200 OK\r\n" + head(100) + "\r\nfirst");
             socket.disconnectFromHost();
         } else if (path == "/trickle") {
-            socket.write("HTTP/1.1 200 OK\r\nContent-Length: 100000\r\n\r\n");
+            socket.write("HTTP/1.1 200 OK\r\n" + head(100'000) + "\r\n");
             auto* const timer = new QTimer(&socket);
             QObject::connect(timer, &QTimer::timeout, &socket, [&socket] { socket.write("x"); });
             timer->start(20);
         } else if (path == "/endless") {
-            socket.write("HTTP/1.1 200 OK\r\nContent-Length: 1073741824\r\n\r\n");
+            socket.write("HTTP/1.1 200 OK\r\n" + head(gigabyte) + "\r\n");
             auto& secure = dynamic_cast<QSslSocket&>(socket);
             const auto more = [this, &secure] {
                 constexpr qint64 chunk = 64 * 1024;
-                if (secure.bytesToWrite() + secure.encryptedBytesToWrite() < chunk && m_endlessBytes < 1073741824)
-                    m_endlessBytes += std::max<qint64>(0, secure.write(QByteArray(chunk, 'x')));
+                if (secure.bytesToWrite() + secure.encryptedBytesToWrite() < chunk && endlessBytes < gigabyte)
+                    endlessBytes += std::max<qint64>(0, secure.write(QByteArray(chunk, 'x')));
             };
             QObject::connect(&secure, &QSslSocket::encryptedBytesWritten, &secure, more, Qt::QueuedConnection);
             more();
@@ -125,10 +103,6 @@ private:
 
     QTemporaryDir m_folder;
     QSslServer m_server;
-    qint64 m_endlessBytes = 0;
-    int m_loops = 0;
-    int m_requests = 0;
-    QByteArray m_lastRequest;
 };
 
 } // namespace kestro::test

@@ -51,13 +51,6 @@ TEST(PreferenceValue, RefusesWhatCannotBeReadBack)
         EXPECT_FALSE(PreferenceValue::toJson(value)) << value.typeName();
 }
 
-TEST(PreferenceValue, TakesTheTypeIntoTheComparison)
-{
-    EXPECT_FALSE(PreferenceValue::same(true, 1.0));
-    EXPECT_FALSE(PreferenceValue::same(QVariantList{ true }, QVariantList{ 1.0 }));
-    EXPECT_FALSE(PreferenceValue::same({}, false));
-}
-
 TEST(PreferenceDocument, ChangesOneMemberAndKeepsTheSpellingOfTheOthers)
 {
     const struct {

@@ -3,6 +3,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <cstdio>
 #include <sys/stat.h>
 
 namespace kestro {
@@ -35,11 +36,6 @@ protected:
         QDir().mkpath(m_folder);
         writeFile(m_path, content);
         return open();
-    }
-    void replaceFile(const QByteArray& content) const
-    {
-        writeFile(m_path + u'~', content);
-        ASSERT_EQ(::rename(QFile::encodeName(m_path + u'~').constData(), QFile::encodeName(m_path).constData()), 0);
     }
     void expectAloneInItsFolder(const QStringList& names) const
     {
@@ -89,7 +85,7 @@ TEST_F(PreferenceFileTest, MergesWithAnotherWriter)
 {
     PreferenceFile& file = openOn(R"({"a": 1, "b": 1, "gone": 1})");
     file.setValue(a, 5);
-    replaceFile(R"({"a": 2, "b": 2, "their": 123456789012345678901234567890})");
+    writeFile(m_path, R"({"a": 2, "b": 2, "their": 123456789012345678901234567890})");
     file.flush();
     EXPECT_EQ(contentOf(m_path), "{\n  \"a\": 5,\n  \"b\": 2,\n  \"their\": 123456789012345678901234567890\n}\n");
     settle();
@@ -108,7 +104,8 @@ TEST_F(PreferenceFileTest, TakesOverAnOutsideChangeOnce)
         ASSERT_TRUE(waitFor([&] { return file.value(b).isValid(); }));
         settle();
         m_posts.clear();
-        inPlace ? writeFile(m_path, next) : replaceFile(next);
+        writeFile(inPlace ? m_path : m_path + u'~', next);
+        EXPECT_TRUE(inPlace || std::rename(qPrintable(m_path + u'~'), qPrintable(m_path)) == 0);
         ASSERT_TRUE(waitFor([&] { return !m_posts.isEmpty(); }));
         settle();
         EXPECT_THAT(m_posts, testing::ElementsAre(u"b,c,new,t"_s));

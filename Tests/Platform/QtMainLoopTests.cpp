@@ -3,7 +3,6 @@
 
 #include <QDateTime>
 #include <QElapsedTimer>
-#include <gmock/gmock.h>
 #include <limits>
 #include <thread>
 
@@ -21,6 +20,8 @@ TEST(QtMainLoop, TellsTheTime)
 TEST(QtMainLoop, RunsWorkOnceNotEarlyAndNeverAtOnce)
 {
     QtMainLoop loop;
+    const WorkItem year = loop.after(365 * 24 * 3600.0, [] { ADD_FAILURE() << "longer than a timer can count"; });
+    const WorkItem ever = loop.after(std::numeric_limits<double>::infinity(), [] { ADD_FAILURE() << "for ever"; });
     for (const double seconds : { 0.0, -1.0, std::numeric_limits<double>::quiet_NaN(), 0.03 }) {
         int runs = 0;
         QElapsedTimer clock;
@@ -34,17 +35,7 @@ TEST(QtMainLoop, RunsWorkOnceNotEarlyAndNeverAtOnce)
         settle();
         EXPECT_EQ(runs, 1);
     }
-}
-
-TEST(QtMainLoop, WaitsLongerThanATimerCanCount)
-{
-    QtMainLoop loop;
-    bool ran = false;
-    const WorkItem year = loop.after(365 * 24 * 3600.0, [&] { ran = true; });
-    const WorkItem ever = loop.after(std::numeric_limits<double>::infinity(), [&] { ran = true; });
-    settle();
     EXPECT_TRUE(year && ever);
-    EXPECT_FALSE(ran);
 }
 
 TEST(QtMainLoop, TakesWorkBack)
@@ -55,9 +46,7 @@ TEST(QtMainLoop, TakesWorkBack)
     cancelled.cancel();
     WorkItem replaced = loop.after(0, [&] { ++runs; });
     replaced = loop.after(0, [&] { runs += 100; });
-    {
-        const Timer destroyed = loop.every(0.001, [&] { ++runs; });
-    }
+    (void)Timer(loop.every(0.001, [&] { ++runs; }));
     ASSERT_TRUE(waitFor([&] { return runs >= 100; }));
     settle();
     EXPECT_EQ(runs, 100);
@@ -67,7 +56,7 @@ TEST(QtMainLoop, AllowsWorkToCancelAndReplaceItself)
 {
     QtMainLoop loop;
     // The captured string is used after the handle is gone: it must still be there.
-    const QString words = QStringLiteral("still here, and too long to be stored in place");
+    const QString words = u"still here, and too long to be stored in place"_s;
     QStringList heard;
     Scheduled once;
     once = loop.after(0, [&, words] {
@@ -79,11 +68,10 @@ TEST(QtMainLoop, AllowsWorkToCancelAndReplaceItself)
     repeated = loop.every(0.001, [&, words] {
         if (++ticks < 3)
             return;
-        repeated = loop.after(0, [&] { heard.append(QStringLiteral("next")); });
+        repeated = loop.after(0, [&] { heard.append(u"next"_s); });
         heard.append(words);
     });
     ASSERT_TRUE(waitFor([&] { return heard.size() == 3; }));
-    settle();
     EXPECT_EQ(ticks, 3);
     EXPECT_FALSE(once || repeated);
 }
@@ -103,7 +91,7 @@ TEST(QtMainLoop, TakesPostsFromAnyThreadInOrderAndDropsThoseItOutlives)
         loop.post([dropped] { *dropped = true; });
     }
     settle();
-    ASSERT_EQ(order.size(), 100);
+    EXPECT_EQ(order.size(), 100);
     EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
     EXPECT_FALSE(*dropped);
     EXPECT_EQ(dropped.use_count(), 1);

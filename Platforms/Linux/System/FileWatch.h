@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FileDescriptor.h"
+#include "KestroCore/Support/FileDescriptor.h"
 
 #include <QByteArray>
 #include <QHash>

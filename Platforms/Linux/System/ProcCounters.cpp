@@ -1,6 +1,6 @@
 #include "ProcCounters.h"
 
-#include "FileDescriptor.h"
+#include "KestroCore/Support/FileDescriptor.h"
 
 #include <array>
 #include <charconv>

@@ -59,7 +59,7 @@ public:
     bool isClosed() { return isClosedWithin(patience); }
 
 private:
-    AgentSocketDescriptor m_socket{ ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0) };
+    FileDescriptor m_socket{ ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0) };
 };
 
 /// What a socket delivered, in order, as the events' session ids.
@@ -262,7 +262,7 @@ TEST_F(Socket, WaitsForDescriptorsWithoutSpinning)
         SCOPED_TRACE(canPoll);
         SocketClient client;
         // What the next file would get; with a limit of one even poll refuses its two entries.
-        const int lowestFree = AgentSocketDescriptor(::dup(STDIN_FILENO)).get();
+        const int lowestFree = FileDescriptor(::dup(STDIN_FILENO)).get();
         rlimit limit{};
         ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
         rlimit low = limit;

@@ -1,7 +1,6 @@
 #include "Platforms/Linux/X11/X11ScreenSaver.h"
 #include "X11Desktop.h"
 
-#include <QProcess>
 #include <xcb/screensaver.h>
 
 namespace kestro {
@@ -9,8 +8,6 @@ namespace {
 
 using namespace test;
 using namespace Qt::StringLiterals;
-
-void xrandr(const QString& arguments) { EXPECT_EQ(QProcess::execute(u"xrandr"_s, arguments.split(u' ')), 0); }
 
 using X11ScreensTest = X11Desktop;
 
@@ -51,16 +48,6 @@ TEST_F(X11ScreensTest, LeaveOutWhatPanelsReserve)
     peer.close(outer);
     EXPECT_TRUE(waitForFrames(0, 0));
     EXPECT_TRUE(waitFor([&] { return changes == 4; })) << changes;
-}
-
-TEST_F(X11ScreensTest, KeepTheirNumbersWhileOthersComeAndGo)
-{
-    const auto before = screens.all();
-    xrandr(u"--delmonitor B"_s);
-    EXPECT_TRUE(waitFor([&] { return screens.all().size() == 1 && changes > 0; }));
-    EXPECT_EQ(screens.all().value(0).info, before[0].info);
-    xrandr(u"--setmonitor B 1280/338x1024/270+1920+0 none"_s);
-    EXPECT_TRUE(waitFor([&] { return screens.all() == before; }));
 }
 
 TEST_F(X11ScreensTest, TellWhenTheyGoDarkAndLightUp)

@@ -5,7 +5,7 @@
 
 namespace kestro {
 
-/// Owns a file descriptor; closes it when it goes.
+/// Owns a file descriptor and closes it when it goes; -1 is none.
 class FileDescriptor {
 public:
     FileDescriptor() = default;
@@ -22,14 +22,15 @@ public:
         std::swap(m_fd, other.m_fd);
         return *this;
     }
-    ~FileDescriptor()
-    {
-        if (m_fd >= 0)
-            ::close(m_fd);
-    }
+    ~FileDescriptor() { close(); }
 
     explicit operator bool() const { return m_fd >= 0; }
     int get() const { return m_fd; }
+    void close()
+    {
+        if (m_fd >= 0)
+            ::close(std::exchange(m_fd, -1));
+    }
 
 private:
     int m_fd = -1;

@@ -1,0 +1,206 @@
+#include "Helpers.h"
+#include "Platforms/Linux/DBus/DesktopAppearance.h"
+#include "Platforms/Linux/DBus/LogindEvents.h"
+#include "Platforms/Linux/DBus/PortalLook.h"
+
+#include <QDBusArgument>
+#include <QDBusError>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QDBusVirtualObject>
+#include <QGuiApplication>
+#include <QPalette>
+#include <QProcess>
+#include <QSignalSpy>
+
+namespace kestro {
+namespace {
+
+using namespace test;
+
+/// A message bus of the test's own, which goes with it.
+class PrivateBus {
+public:
+    PrivateBus()
+    {
+        m_daemon.start(u"dbus-daemon"_s, { u"--session"_s, u"--nofork"_s, u"--print-address"_s });
+        m_daemon.waitForReadyRead(5000);
+        m_address = QString::fromUtf8(m_daemon.readLine().trimmed());
+    }
+    ~PrivateBus()
+    {
+        for (const QString& name : m_names)
+            QDBusConnection::disconnectFromBus(name);
+        m_daemon.kill();
+        m_daemon.waitForFinished(5000);
+    }
+
+    /// Each call gives a connection of its own, so that a service and its user do not meet inside Qt.
+    QDBusConnection connection()
+    {
+        static int count = 0;
+        m_names.append(u"test-%1"_s.arg(++count));
+        return QDBusConnection::connectToBus(m_address, m_names.last());
+    }
+
+private:
+    QProcess m_daemon;
+    QString m_address;
+    QStringList m_names;
+};
+
+using Settings = QMap<QString, QVariantMap>;
+
+/// Answers with its settings, or with an error where it has none.
+class FakePortal final : public QDBusVirtualObject {
+public:
+    std::optional<Settings> settings = Settings();
+    int calls = 0;
+    QStringList asked;
+
+    QString introspect(const QString&) const override { return {}; }
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override
+    {
+        ++calls;
+        asked = message.member() == u"ReadAll" ? message.arguments().value(0).toStringList() : QStringList();
+        return connection.send(settings ? message.createReply(QVariant::fromValue(*settings))
+                                        : message.createErrorReply(QDBusError::Failed, u"no answer"_s));
+    }
+};
+
+struct Rgb {
+    double red = 0;
+    double green = 0;
+    double blue = 0;
+};
+QDBusArgument& operator<<(QDBusArgument& out, const Rgb& rgb)
+{
+    out.beginStructure();
+    out << rgb.red << rgb.green << rgb.blue;
+    out.endStructure();
+    return out;
+}
+const QDBusArgument& operator>>(const QDBusArgument& in, Rgb&) { return in; }
+
+const QString appearance = u"org.freedesktop.appearance"_s;
+const QString desktop = u"org.gnome.desktop.interface"_s;
+
+class DesktopAppearanceTest : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        qDBusRegisterMetaType<Settings>();
+        qDBusRegisterMetaType<Rgb>();
+        m_portalBus.registerVirtualObject(u"/org/freedesktop/portal/desktop"_s, &m_portal);
+        ASSERT_TRUE(m_portalBus.registerService(u"org.freedesktop.portal.Desktop"_s));
+    }
+    // Returns when the portal has been asked again and its answer is here: so it is when one to a later question is.
+    void change(std::optional<Settings> settings, const QString& group = appearance)
+    {
+        m_portal.settings = std::move(settings);
+        QDBusMessage signal = QDBusMessage::createSignal(
+            u"/org/freedesktop/portal/desktop"_s, u"org.freedesktop.portal.Settings"_s, u"SettingChanged"_s);
+        signal.setArguments({ group, u"any"_s, QVariant::fromValue(QDBusVariant(1)) });
+        const int before = m_portal.calls;
+        m_portalBus.send(signal);
+        ASSERT_TRUE(waitFor([&] { return m_portal.calls > before; }));
+        QDBusConnection(m_userBus).call(QDBusMessage::createMethodCall(
+            u"org.freedesktop.DBus"_s, u"/"_s, u"org.freedesktop.DBus.Peer"_s, u"Ping"_s));
+        settle();
+    }
+
+    PrivateBus m_bus;
+    QDBusConnection m_portalBus = m_bus.connection();
+    QDBusConnection m_userBus = m_bus.connection();
+    FakePortal m_portal;
+};
+
+TEST_F(DesktopAppearanceTest, FollowsWhatThePortalTells)
+{
+    const Look plain;
+    const std::pair<Settings, Look> cases[] = {
+        { { { appearance, { { u"color-scheme"_s, 1U } } } }, { .dark = true, .fontFamily = {} } },
+        { { { appearance, { { u"color-scheme"_s, 2U } } } }, plain },
+        { { { appearance, { { u"color-scheme"_s, u"dark"_s } } } }, plain },
+        { { { appearance, { { u"accent-color"_s, QVariant::fromValue(Rgb{ 1, 0.5, 0 }) } } } },
+            { .accent = QColor::fromRgbF(1, 0.5, 0), .fontFamily = {} } },
+        { { { appearance, { { u"accent-color"_s, QVariant::fromValue(Rgb{ -1, -1, -1 }) } } } }, plain },
+        { { { appearance, { { u"accent-color"_s, 7 } } } }, plain },
+        { { { desktop, { { u"enable-animations"_s, false }, { u"font-name"_s, u"Noto Sans Bold 10"_s } } } },
+            { .reduceMotion = true, .fontFamily = u"Noto Sans"_s } },
+        { { { desktop, { { u"enable-animations"_s, 0 }, { u"font-name"_s, 5 } } } }, plain },
+    };
+    DesktopAppearance look(m_userBus);
+    QSignalSpy changed(&look, &Appearance::changed);
+    ASSERT_TRUE(waitFor([&] { return m_portal.calls == 1; }));
+    for (const auto& [settings, expected] : cases) {
+        SCOPED_TRACE(&settings - &cases[0].first);
+        change(settings);
+        EXPECT_TRUE(look.look() == expected);
+    }
+    EXPECT_EQ(m_portal.asked, PortalLook::groups());
+
+    change(cases[0].first);
+    change(cases[0].first, desktop);
+    change(std::nullopt); // a portal that fails keeps the last look
+    EXPECT_TRUE(look.look().dark);
+    EXPECT_EQ(changed.size(), 7) << "once for each look";
+}
+
+TEST(DesktopAppearance, TakesQtsPaletteWhereThereIsNoPortal)
+{
+    const QPalette former = QGuiApplication::palette();
+    for (const bool dark : { true, false }) {
+        QGuiApplication::setPalette(QPalette(dark ? Qt::black : Qt::white));
+        DesktopAppearance look((QDBusConnection(QString())));
+        settle();
+        EXPECT_EQ(look.look().dark, dark);
+    }
+    QGuiApplication::setPalette(former);
+}
+
+TEST(PortalLook, FindsTheFamilyInAFontsDescription)
+{
+    const std::pair<const char*, const char*> cases[] = {
+        { "Cantarell 11", "Cantarell" },
+        { "Inter Semi-Bold Italic 10.5", "Inter" },
+        { "Inter UltraCondensed 10px", "Inter" },
+        { "Noto Sans, Bold 10", "Noto Sans" },
+        { "Noto Sans Medium, 10", "Noto Sans Medium" },
+        { "DejaVu Sans,Inter 9", "DejaVu Sans" },
+        { "Black", "Black" },
+        { "12", "" },
+    };
+    for (const auto& [description, family] : cases)
+        EXPECT_EQ(PortalLook::fontFamily(QLatin1String(description)), QLatin1String(family)) << description;
+}
+
+TEST(LogindEvents, TellTheEndOfSleepAndTheBeginningOfTheEnd)
+{
+    PrivateBus bus;
+    QDBusConnection logind = bus.connection();
+    const QDBusConnection stranger = bus.connection();
+    LogindEvents events(bus.connection());
+    ASSERT_TRUE(logind.registerService(u"org.freedesktop.login1"_s)); // it may come later than we
+    QStringList told;
+    QObject::connect(&events, &LogindEvents::didWake, [&] { told.append(u"wake"_s); });
+    QObject::connect(&events, &LogindEvents::willEnd, [&] { told.append(u"end"_s); });
+    const auto tell = [](const QDBusConnection& from, const QString& signal, bool before) {
+        QDBusMessage message =
+            QDBusMessage::createSignal(u"/org/freedesktop/login1"_s, u"org.freedesktop.login1.Manager"_s, signal);
+        message.setArguments({ before });
+        from.send(message);
+    };
+    tell(stranger, u"PrepareForShutdown"_s, true);
+    tell(logind, u"PrepareForSleep"_s, true);
+    tell(logind, u"PrepareForSleep"_s, false);
+    tell(logind, u"PrepareForShutdown"_s, false);
+    tell(logind, u"PrepareForShutdown"_s, true);
+    ASSERT_TRUE(waitFor([&] { return told.contains(u"end"_s); }));
+    EXPECT_THAT(told, testing::ElementsAre(u"wake"_s, u"end"_s));
+}
+
+} // namespace
+} // namespace kestro
+
+Q_DECLARE_METATYPE(kestro::Rgb)
