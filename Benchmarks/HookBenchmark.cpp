@@ -29,7 +29,7 @@ const std::string& hookInput()
 
 void serveBare(const std::filesystem::path& path, int ready)
 {
-    const AgentSocketDescriptor listener(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    const FileDescriptor listener(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
     const sockaddr_un address = addressOf(path);
     require(::bind(listener.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0, "bind");
     require(::listen(listener.get(), 16) == 0, "listen");
@@ -37,7 +37,7 @@ void serveBare(const std::filesystem::path& path, int ready)
     const size_t whole = std::string("agent=claude\n").size() + hookInput().size();
     std::array<char, 65'536> buffer;
     for (;;) {
-        const AgentSocketDescriptor client(::accept(listener.get(), nullptr, nullptr));
+        const FileDescriptor client(::accept(listener.get(), nullptr, nullptr));
         ssize_t count = 1;
         for (size_t got = 0; got < whole && count > 0; got += static_cast<size_t>(count))
             count = ::recv(client.get(), buffer.data(), buffer.size(), 0);

@@ -47,7 +47,7 @@ void serve(const std::filesystem::path& path, int reports)
 void sendAll(const sockaddr_un& address, int client, int messages)
 {
     for (int i = 0; i < messages; ++i) {
-        const AgentSocketDescriptor connection(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+        const FileDescriptor connection(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
         require(
             ::connect(connection.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0, "connect");
         const std::string text = "agent=claude\n{\"session_id\":\"" + std::to_string(client)

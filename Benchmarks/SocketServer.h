@@ -69,7 +69,7 @@ public:
             std::_Exit(0);
         }
         ::close(ends[1]);
-        m_reports = AgentSocketDescriptor(ends[0]);
+        m_reports = FileDescriptor(ends[0]);
         read();
     }
     ~Server()
@@ -91,7 +91,7 @@ public:
 
 private:
     pid_t m_process = -1;
-    AgentSocketDescriptor m_reports;
+    FileDescriptor m_reports;
 };
 
 inline void report(int descriptor, long value)
