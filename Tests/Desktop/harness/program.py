@@ -8,6 +8,7 @@ import subprocess
 import tempfile
 from pathlib import Path
 
+from .screen import windows
 from .tree import Tree
 from .waiting import wait_for
 
@@ -62,8 +63,10 @@ class Kestro:
         return self
 
     def wait_up(self, limit=10.0):
-        """Until the dock stands: its first tile shows."""
-        return self._wait(lambda: self.tree.shows("button"), limit)
+        """Until the dock stands: its first tile shows, in a window that the window manager has put on the screen.
+        The tree knows of a window before that; a press would fall on what is still below it."""
+        self._wait(lambda: windows(self.pid) and self.tree.shows("button"), limit)
+        return self
 
     def wait_on_bus(self, limit=10.0):
         """Until it can be asked, though nothing of it shows."""
