@@ -19,8 +19,9 @@ Cuts cuts(int picture, int before, int after, int bleedBefore, int bleedAfter, i
     // A frame that is too short for both ends loses from the middle of the picture.
     const int whole = bleedBefore + frame + bleedAfter;
     const int spare = std::min(0, whole - before - after);
-    const qreal first = before + spare / 2;
-    const qreal last = after + (spare - spare / 2);
+    const int half = spare / 2; // in whole pixels: the picture's are not split
+    const qreal first = before + half;
+    const qreal last = after + spare - half;
     const qreal start = -bleedBefore;
     const qreal end = frame + bleedAfter;
     return { { 0, first, picture - last, static_cast<qreal>(picture) }, { start, start + first, end - last, end } };

@@ -146,7 +146,7 @@ QImage picture(const QString& name, int pixels, const QColor& color)
     if (const QImage* known = recent.object(key)) {
         return *known;
     }
-    const QImage image = render(*glyph, pixels, color);
+    QImage image = render(*glyph, pixels, color);
     recent.insert(key, new QImage(image), image.sizeInBytes());
     return image;
 }

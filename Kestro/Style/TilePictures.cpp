@@ -142,7 +142,7 @@ QImage tilePicture(const TileLook& look, int side)
     if (const QImage* known = recent.object(key)) {
         return *known;
     }
-    const QImage picture = render(look, side);
+    QImage picture = render(look, side);
     recent.insert(key, new QImage(picture), picture.sizeInBytes());
     return picture;
 }
