@@ -92,7 +92,7 @@ bool isOurs(const QJsonValue& entry)
     if (carriesMarker(entry[QLatin1String("command")]))
         return true;
     bool found = false;
-    for (const QJsonValue& inner : entry[QLatin1String("hooks")].toArray()) {
+    for (const auto& inner : entry[QLatin1String("hooks")].toArray()) {
         if (!inner.isObject())
             return false;
         found = found || carriesMarker(inner[QLatin1String("command")]);

@@ -230,6 +230,7 @@ TEST_F(Socket, ReadsEveryoneThoughTheyHaveMoreThanItHolds)
         EXPECT_TRUE(client.isClosed());
     };
     std::vector<std::jthread> clients;
+    clients.reserve(8);
     for (int i = 0; i < 8; ++i)
         clients.emplace_back(send);
     clients.clear();
