@@ -129,7 +129,8 @@ TEST_F(X11PanelsTest, RemainPanelsOfTheirShapeWhenShownAgain)
     // The window manager copies a shape to its frame when it hears of it.
     const auto settle = [&] {
         auto* qt = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
-        XcbOwned<xcb_get_input_focus_reply_t>(xcb_get_input_focus_reply(qt, xcb_get_input_focus(qt), nullptr));
+        const XcbOwned<xcb_get_input_focus_reply_t> answer(
+            xcb_get_input_focus_reply(qt, xcb_get_input_focus(qt), nullptr));
         peer.settle(below);
     };
     const std::pair<const char*, std::function<void()>> ways[] = {
