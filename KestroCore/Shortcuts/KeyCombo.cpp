@@ -1,5 +1,8 @@
 #include "KestroCore/Shortcuts/KeyCombo.h"
 
+#include "KestroCore/Shortcuts/ScreenshotHotKeys.h"
+
+#include <algorithm>
 #include <array>
 #include <limits>
 #include <nlohmann/json.hpp>
@@ -69,6 +72,28 @@ std::optional<quint32> number(const json& object, const char* key)
 } // namespace
 
 const KeyCombo KeyCombo::openNotchDefault{ 49, KeyCombo::control | KeyCombo::option };
+
+KeyCombo KeyCombo::fromFlags(quint16 keyCode, quint64 flags)
+{
+    constexpr std::pair<int, quint32> bits[] = { { 17, shift }, { 18, control }, { 19, option }, { 20, command } };
+    KeyCombo combo{ keyCode, 0 };
+    for (const auto& [bit, modifier] : bits) {
+        if (flags >> bit & 1)
+            combo.modifiers |= modifier;
+    }
+    return combo;
+}
+
+bool KeyCombo::shadowsStandardShortcut() const
+{
+    const quint32 unshifted = modifiers & ~shift;
+    if (unshifted != command && unshifted != control)
+        return false;
+    if (!placeIn(letters, keyCode) && !placeIn(digits, keyCode))
+        return false;
+    const auto& exempt = ScreenshotHotKeys::captureShortcuts();
+    return std::none_of(exempt.begin(), exempt.end(), [this](const auto& each) { return each.second == *this; });
+}
 
 bool KeyCombo::isValid() const
 {

@@ -19,10 +19,16 @@ struct KeyCombo {
 
     static const KeyCombo openNotchDefault; ///< ⌃⌥Space
 
+    /// The combination of a key press, from the platform's flags of it: bits 17 to 20 are ⇧, ⌃, ⌥ and ⌘.
+    static KeyCombo fromFlags(quint16 keyCode, quint64 flags);
+
     bool operator==(const KeyCombo&) const = default;
 
     /// Whether it may be a global shortcut: with ⌘, ⌥ or ⌃, or a function key with any modifiers or none.
     bool isValid() const;
+    /// Whether programs use it for their own: ⌘ or ⌃ with a letter or a digit, with ⇧ or without it. The desktop's
+    /// screenshot keys are exempt.
+    bool shadowsStandardShortcut() const;
     /// The modifiers' signs in the order ⌃ ⌥ ⇧ ⌘, then the key's name: "⌃⌥Space".
     QString displayString() const;
     /// "F5", "A", "↩"; "Key 200" for a code without a name.

@@ -21,6 +21,27 @@ TEST(KeyCombo, namesAndValidity)
     }
 }
 
+TEST(KeyCombo, leavesProgramsTheirOwnCombinations)
+{
+    using K = KeyCombo;
+    const std::pair<KeyCombo, bool> table[] = { { { 1, K::command }, true }, { { 40, K::command | K::shift }, true },
+        { { 29, K::command }, true }, { { 1, K::control }, true }, { { 20, K::control | K::shift }, true },
+        { { 1, K::control | K::command }, false }, { { 1, K::option }, false }, { { 123, K::command }, false },
+        { { 49, K::control }, false }, { { 27, K::command }, false }, { { 96, K::command }, false },
+        { { 21, K::command | K::shift }, false }, { { 21, K::command }, true },
+        { { 21, K::control | K::shift }, true } };
+    for (const auto& [combo, shadows] : table)
+        EXPECT_EQ(combo.shadowsStandardShortcut(), shadows) << combo.displayString().toStdString();
+}
+
+TEST(KeyCombo, readsTheFlagsOfAPress)
+{
+    const std::pair<quint64, const char*> table[] = { { 0, "A" }, { 1 << 17, "⇧A" }, { 1 << 18, "⌃A" },
+        { 1 << 19, "⌥A" }, { 1 << 20, "⌘A" }, { 0x1E0000, "⌃⌥⇧⌘A" }, { 1 << 16 | 1 << 21 | 0xFF, "A" } };
+    for (const auto& [flags, shown] : table)
+        EXPECT_EQ(KeyCombo::fromFlags(0, flags).displayString().toStdString(), shown);
+}
+
 // A slip in the tables gives one key's name to another: the counts and the uniqueness catch it.
 TEST(KeyCombo, everyNameIsGivenOnce)
 {
