@@ -1,22 +1,11 @@
 #pragma once
 
-#include "KestroCore/Support/Date.h"
+#include "KestroCore/Agents/UsageWindow.h"
 
 #include <QByteArrayView>
 #include <optional>
 
 namespace kestro {
-
-/// How much of one of a plan's time windows is used up.
-struct UsageWindow {
-    double usedPercent = 0; ///< as reported, not clamped
-    Date resetsAt;
-
-    /// Nothing unless both numbers were given. `resetsAt` is in seconds since 1970.
-    static std::optional<UsageWindow> from(std::optional<double> usedPercent, std::optional<double> resetsAt);
-
-    bool operator==(const UsageWindow&) const = default;
-};
 
 /// The limits of an agent's plan, as far as the agent told them.
 struct AgentLimits {
@@ -28,6 +17,10 @@ struct AgentLimits {
     /// Reads the status line's JSON object. Nothing when it is not valid JSON or tells no window at all; a window that
     /// is missing or bad is merely absent.
     static std::optional<AgentLimits> parseClaudeStatus(QByteArrayView json);
+
+    /// Reads one line of a Codex log. Nothing when it is not valid JSON, tells the limits of something else than the
+    /// plan, or no window of a known length.
+    static std::optional<AgentLimits> parseCodexLine(QByteArrayView line);
 
     bool operator==(const AgentLimits&) const = default;
 };
