@@ -3,6 +3,9 @@
 #include "Platforms/Linux/DBus/Buses.h"
 #include "Platforms/Linux/DBus/DesktopAppearance.h"
 #include "Platforms/Linux/DBus/LogindEvents.h"
+#include "Platforms/Linux/DBus/ScreenLock.h"
+#include "Platforms/Linux/DBus/TrayItem.h"
+#include "Platforms/Linux/System/AutostartEntry.h"
 #include "Platforms/Linux/System/GioWorkspace.h"
 #include "Platforms/Linux/System/NetworkFetcher.h"
 #include "Platforms/Linux/System/PreferenceFile.h"
@@ -12,10 +15,13 @@
 #include "Platforms/Linux/System/StderrLog.h"
 #include "Platforms/Linux/System/Termination.h"
 #include "Platforms/Linux/X11/X11Connection.h"
+#include "Platforms/Linux/X11/X11HotKeys.h"
+#include "Platforms/Linux/X11/X11KeyboardGrabs.h"
 #include "Platforms/Linux/X11/X11Panels.h"
 #include "Platforms/Linux/X11/X11Pointer.h"
 #include "Platforms/Linux/X11/X11ScreenSaver.h"
 #include "Platforms/Linux/X11/X11Screens.h"
+#include "Platforms/Linux/X11/X11Tray.h"
 
 #include <QDir>
 #include <QGuiApplication>
@@ -37,11 +43,14 @@ const char* missingDisplay()
 }
 
 void followSession(SessionEvents& session, const X11ScreenSaver& screenSaver, const LogindEvents& logind,
-    const Termination& termination)
+    const ScreenLock& lock, const Termination& termination)
 {
     QObject::connect(&screenSaver, &X11ScreenSaver::screensDidSleep, &session, &SessionEvents::screensDidSleep);
     QObject::connect(&screenSaver, &X11ScreenSaver::screensDidWake, &session, &SessionEvents::screensDidWake);
+    QObject::connect(&logind, &LogindEvents::willSleep, &session, &SessionEvents::willSleep);
     QObject::connect(&logind, &LogindEvents::didWake, &session, &SessionEvents::didWake);
+    QObject::connect(&logind, &LogindEvents::didLock, &session, &SessionEvents::didLock);
+    QObject::connect(&lock, &ScreenLock::didLock, &session, &SessionEvents::didLock);
     QObject::connect(&logind, &LogindEvents::willEnd, &session, &SessionEvents::willEnd);
     QObject::connect(&termination, &Termination::requested, &session, &SessionEvents::willEnd);
 }
@@ -85,15 +94,22 @@ int main(int, char** argv)
     const X11ScreenSaver screenSaver(connection);
     DesktopAppearance appearance(Buses::session());
     const LogindEvents logind(Buses::system());
+    const ScreenLock lock(Buses::session());
     const Termination termination;
     SessionEvents session;
-    followSession(session, screenSaver, logind, termination);
+    followSession(session, screenSaver, logind, lock, termination);
     GioWorkspace workspace;
     NetworkFetcher fetcher(loop);
     ProcCounters counters;
+    X11HotKeys hotKeys(connection);
+    X11KeyboardGrabs keyboard(connection);
+    X11Tray trayWindow(connection, screens);
+    TrayItem tray(Buses::session(), trayWindow, [&screens](QPoint pixel) { return screens.fromDevice(pixel); });
+    AutostartEntry autostart(
+        folders.home, qEnvironmentVariable("XDG_CONFIG_HOME"), QCoreApplication::applicationFilePath());
 
-    AppDelegate delegate(
-        { loop, preferences, screens, pointer, panels, appearance, session, workspace, fetcher, counters, log },
+    AppDelegate delegate({ loop, preferences, screens, pointer, panels, appearance, session, workspace, fetcher,
+                             counters, hotKeys, keyboard, tray, autostart, log },
         folders);
     QObject::connect(&session, &SessionEvents::willEnd, &application, &QCoreApplication::quit);
     delegate.applicationDidFinishLaunching();

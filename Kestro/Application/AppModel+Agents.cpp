@@ -15,9 +15,11 @@ QString AppModel::cursorFolder() const
     return QFileInfo(HookInstaller::configURL(Agent::cursor, m_folders.home)).path();
 }
 
+bool AppModel::cursorInstalled() const { return QFileInfo(cursorFolder()).isDir(); }
+
 void AppModel::adoptCursorDefault()
 {
-    if (!prefs::cursorStored.read(m_platform.preferences) && QFileInfo(cursorFolder()).isDir())
+    if (!prefs::cursorStored.read(m_platform.preferences) && cursorInstalled())
         turn(FeatureSwitch::cursor, true);
 }
 
@@ -33,7 +35,7 @@ void AppModel::applyAgents()
     };
     apply(Agent::claude, isOn(FeatureSwitch::claude));
     apply(Agent::codex, isOn(FeatureSwitch::codex));
-    apply(Agent::cursor, isOn(FeatureSwitch::cursor) && QFileInfo(cursorFolder()).isDir());
+    apply(Agent::cursor, isOn(FeatureSwitch::cursor) && cursorInstalled());
 
     const QString failure = syncSocket();
     if (agentsEnabled() && !failure.isEmpty())

@@ -40,10 +40,13 @@ void AppModel::turn(FeatureSwitch feature, bool on)
         syncWidgetItem(WidgetKind::clipboard);
         break;
     }
+    syncShortcuts(); // an item that came or went took its shortcut with it
+    Q_EMIT switchesChanged();
 }
 
 void AppModel::preferencesChanged()
 {
+    readShortcuts();
     // Our own writes come here too and differ in nothing.
     for (std::size_t each = 0; each < featureSwitchCount; ++each) {
         const auto feature = FeatureSwitch(each);

@@ -18,11 +18,16 @@ AppModel::AppModel(const Platform& platform, Folders folders)
     , m_now(platform.loop.now())
     , m_launcher(platform.loop, platform.preferences, platform.workspace, platform.fetcher, platform.log,
           m_folders.caches + QStringLiteral("/favicons"))
+    , m_openNotchShortcut(
+          KeyCombo::decodeStored(prefs::openNotchShortcut.read(platform.preferences), KeyCombo::openNotchDefault))
+    , m_hotKeys(platform.hotKeys, platform.log)
     , m_statsCard(platform.preferences)
 {
     for (std::size_t each = 0; each < featureSwitchCount; ++each)
         m_on[each] = switchKey(FeatureSwitch(each)).read(platform.preferences);
+    connect(&m_hotKeys, &HotKeyCenter::keyboardChanged, this, &AppModel::registerShortcuts);
     connect(&m_launcher, &LauncherModel::storeChanged, this, [this] {
+        syncShortcuts();
         Q_EMIT shownWidgetChanged();
         Q_EMIT changed();
     });
@@ -43,6 +48,8 @@ void AppModel::start()
         applyAgents();
     else if (isOn(FeatureSwitch::limits))
         syncSocket();
+    m_started = true;
+    registerShortcuts();
     connect(&m_platform.preferences, &PreferenceStore::changed, this, &AppModel::preferencesChanged);
 }
 
@@ -65,9 +72,7 @@ std::set<WidgetKind> AppModel::enabledWidgets() const
 
 QList<LaunchItem> AppModel::visibleItems() const
 {
-    // Only widgets whose card has something to show; the others wait in the layout.
-    static const QList<WidgetKind> available{ WidgetKind::stats, WidgetKind::ai };
-    return LauncherStore::visibleItems(m_launcher.store().items(), enabledWidgets(), available);
+    return LauncherStore::visibleItems(m_launcher.store().items(), enabledWidgets(), availableWidgets());
 }
 
 QList<WidgetKind> AppModel::visibleWidgets() const
@@ -141,6 +146,26 @@ void AppModel::setSelectedWidget(std::optional<WidgetKind> kind)
         return;
     Q_EMIT shownWidgetChanged();
     Q_EMIT changed();
+}
+
+void AppModel::setSettingsPane(SettingsPane pane)
+{
+    if (m_settingsPane == pane)
+        return;
+    m_settingsPane = pane;
+    Q_EMIT settingsPaneChanged();
+}
+
+void AppModel::setSettingsPaneName(const QString& name)
+{
+    if (const auto pane = fromRaw<SettingsPane>(name))
+        setSettingsPane(*pane);
+}
+
+void AppModel::setSettingsTarget(const std::optional<QUuid>& id)
+{
+    m_settingsTarget = id;
+    Q_EMIT settingsTargetChanged();
 }
 
 void AppModel::setDockVisible(bool visible) { m_dockVisible = visible; }

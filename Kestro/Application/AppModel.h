@@ -1,10 +1,12 @@
 #pragma once
 
 #include "Kestro/Agents/SessionRows.h"
+#include "Kestro/Application/SettingsPane.h"
 #include "Kestro/Layout/LauncherModel.h"
 #include "Kestro/Platform/MainLoop.h"
 #include "Kestro/Platform/Platform.h"
 #include "Kestro/Preferences/PreferenceKeys.h"
+#include "Kestro/Shortcuts/HotKeyCenter.h"
 #include "Kestro/Statistics/StatsCard.h"
 #include "KestroCore/Agents/AgentLimits.h"
 #include "KestroCore/Agents/AgentSocket.h"
@@ -36,6 +38,8 @@ struct Folders {
 enum class FeatureSwitch { claude, codex, cursor, agents, limits, music, bluetooth, weather, clipboard };
 inline constexpr std::size_t featureSwitchCount = 9;
 
+class ShortcutRecorder;
+
 /// The one long-lived object that owns every feature object, holds the state that views observe and runs the shared
 /// timers. Main thread. It only constructs; `start` brings things to life.
 class AppModel final : public QObject {
@@ -43,8 +47,14 @@ class AppModel final : public QObject {
     QML_ELEMENT
     QML_UNCREATABLE("made at start-up")
     Q_PROPERTY(QString shownWidget READ shownWidgetName NOTIFY shownWidgetChanged)
-    Q_PROPERTY(bool agentsEnabled READ agentsEnabled NOTIFY agentsChanged)
+    Q_PROPERTY(bool agentsEnabled READ agentsEnabled WRITE setAgentsEnabled NOTIFY switchesChanged)
+    Q_PROPERTY(bool claudeEnabled READ claudeEnabled WRITE setClaudeEnabled NOTIFY switchesChanged)
+    Q_PROPERTY(bool codexEnabled READ codexEnabled WRITE setCodexEnabled NOTIFY switchesChanged)
+    Q_PROPERTY(bool cursorEnabled READ cursorEnabled WRITE setCursorEnabled NOTIFY switchesChanged)
+    /// Whether there is a folder of Cursor's for its hook to go into; looked at each time.
+    Q_PROPERTY(bool cursorInstalled READ cursorInstalled NOTIFY switchesChanged)
     Q_PROPERTY(QStringList agentErrorLines READ agentErrorLines NOTIFY agentsChanged)
+    Q_PROPERTY(QString settingsPane READ settingsPaneName WRITE setSettingsPaneName NOTIFY settingsPaneChanged)
     Q_PROPERTY(kestro::SessionRows* sessionRows READ sessionRows CONSTANT)
     Q_PROPERTY(kestro::StatsCard* statsCard READ statsCard CONSTANT)
 public:
@@ -56,6 +66,8 @@ public:
 
     // What the surfaces show
     std::set<WidgetKind> enabledWidgets() const;
+    /// The widgets that there are; the layout may name others, which wait in it unseen.
+    static QList<WidgetKind> availableWidgets() { return { WidgetKind::stats, WidgetKind::ai }; }
     QList<LaunchItem> visibleItems() const;
     QList<WidgetKind> visibleWidgets() const;
     /// `selectedWidget` while it is visible, else the first that is.
@@ -88,6 +100,37 @@ public:
     /// Persists the switch and runs its reaction.
     void turn(FeatureSwitch feature, bool on);
     bool agentsEnabled() const { return isOn(FeatureSwitch::agents); }
+    void setAgentsEnabled(bool on) { turn(FeatureSwitch::agents, on); }
+    bool claudeEnabled() const { return isOn(FeatureSwitch::claude); }
+    void setClaudeEnabled(bool on) { turn(FeatureSwitch::claude, on); }
+    bool codexEnabled() const { return isOn(FeatureSwitch::codex); }
+    void setCodexEnabled(bool on) { turn(FeatureSwitch::codex, on); }
+    bool cursorEnabled() const { return isOn(FeatureSwitch::cursor); }
+    void setCursorEnabled(bool on) { turn(FeatureSwitch::cursor, on); }
+    bool cursorInstalled() const;
+
+    // Global shortcuts
+    /// Every shortcut that is set, live or not.
+    ShortcutTable shortcutAssignments() const;
+    std::optional<KeyCombo> shortcut(const ShortcutOwner& owner) const;
+    /// Who that is, in a message.
+    QString shortcutName(const ShortcutOwner& owner) const;
+    /// Stores `combo`, or that there is none, and makes it live if its owner is. The message where it cannot be.
+    std::optional<QString> setShortcut(const std::optional<KeyCombo>& combo, const ShortcutOwner& owner);
+    void syncShortcut(const ShortcutOwner& owner);
+    void registerShortcuts();
+    /// A control for the shortcut of `owner`, which follows what is stored.
+    std::unique_ptr<ShortcutRecorder> makeRecorder(const ShortcutOwner& owner);
+    HotKeyCenter& hotKeys() { return m_hotKeys; }
+
+    // The Settings window
+    SettingsPane settingsPane() const { return m_settingsPane; }
+    void setSettingsPane(SettingsPane pane);
+    QString settingsPaneName() const { return rawValue(m_settingsPane); }
+    void setSettingsPaneName(const QString& name);
+    /// The item of the layout that the Layout pane has selected.
+    std::optional<QUuid> settingsTarget() const { return m_settingsTarget; }
+    void setSettingsTarget(const std::optional<QUuid>& id);
 
     void applyAgents();
     void syncStats();
@@ -105,6 +148,8 @@ public:
     std::function<void()> toggleNotch = [] {};
     /// Open the active surface on a widget; bound by the delegate.
     std::function<void(WidgetKind)> showCard = [](WidgetKind) {};
+    /// Bring the Settings window to the front; bound by the delegate.
+    std::function<void()> openSettings = [] {};
 
 Q_SIGNALS:
     void expandedChanged();
@@ -112,12 +157,23 @@ Q_SIGNALS:
     /// The user picked a widget, perhaps the one that was picked already.
     void widgetSelected();
     void agentsChanged();
+    void switchesChanged();
+    void shortcutsChanged();
+    void settingsPaneChanged();
+    void settingsTargetChanged();
     /// Anything that a surface draws may have changed, the above included.
     void changed();
 
 private:
     void preferencesChanged();
-    void store(FeatureSwitch feature, bool on);
+    bool isShortcutActive(const ShortcutOwner& owner) const;
+    bool isItemShortcutActive(const QUuid& id) const;
+    void performShortcut(const ShortcutOwner& owner);
+    qint32 registerShortcut(const KeyCombo& combo, const ShortcutOwner& owner);
+    void storeShortcut(const std::optional<KeyCombo>& combo, const ShortcutOwner& owner);
+    /// Makes live what should be and is not, and the reverse. What was refused rests until the keyboard changes.
+    void syncShortcuts();
+    void readShortcuts();
 
     QString cursorFolder() const;
     void adoptCursorDefault();
@@ -139,6 +195,12 @@ private:
     std::array<bool, featureSwitchCount> m_on; // as last applied: a change of the file is told from these
     std::optional<WidgetKind> m_selectedWidget;
     LauncherModel m_launcher;
+    std::optional<KeyCombo> m_openNotchShortcut;
+    HotKeyCenter m_hotKeys;
+    ShortcutTable m_refused; ///< what the platform would not register
+    SettingsPane m_settingsPane = SettingsPane::general;
+    std::optional<QUuid> m_settingsTarget;
+    bool m_started = false;
     SessionRows m_sessionRows;
     StatsCard m_statsCard;
     bool m_suppressItemSync = false;

@@ -111,6 +111,21 @@ void LauncherModel::remove(const QUuid& id)
     edit([&](LauncherStore& store) { store.remove(id); });
 }
 
+void LauncherModel::moveTo(const QUuid& id, qsizetype to)
+{
+    edit([&](LauncherStore& store) {
+        for (qsizetype i = 0; i < store.items().size(); ++i) {
+            if (store.items()[i].id == id)
+                return store.moveOffsets({ i }, to);
+        }
+    });
+}
+
+void LauncherModel::setShortcut(const std::optional<KeyCombo>& combo, const QUuid& id)
+{
+    edit([&](LauncherStore& store) { store.setShortcut(combo, id); });
+}
+
 void LauncherModel::migrate(const std::set<WidgetKind>& enabled)
 {
     if (prefs::launcherItemsMigrated.read(m_preferences))

@@ -36,6 +36,9 @@ public:
     void move(const QUuid& id, qsizetype to, const QList<QUuid>& among);
     void moveBy(const QUuid& id, qsizetype by, const QList<QUuid>& among);
     void remove(const QUuid& id);
+    /// Before the item that stands at `to`, in the layout's own order.
+    void moveTo(const QUuid& id, qsizetype to);
+    void setShortcut(const std::optional<KeyCombo>& combo, const QUuid& id);
 
     /// Once in the life of the preferences: gives a layout without widgets those of the `enabled` features.
     void migrate(const std::set<WidgetKind>& enabled);

@@ -13,6 +13,8 @@ struct Look {
     bool reduceMotion = false;
     QString fontFamily{}; ///< the interface font, empty where the desktop names none
 
+    double textScale = 1; ///< how much larger than usual the user wants writing
+
     bool operator==(const Look&) const = default;
 };
 

@@ -19,6 +19,12 @@ public:
     /// cut to the same shape, since nothing there can be seen through.
     virtual void setShape(QWindow& window, const QRegion& shape) = 0;
 
+    /// Gives the keyboard to a panel that is on the screen, which its window is otherwise never given, and remembers
+    /// who had it.
+    virtual void takeFocus(QWindow& window) = 0;
+    /// Gives the keyboard back to who had it, if `window` still has it and they are still there.
+    virtual void returnFocus(QWindow& window) = 0;
+
     /// Whether translucent windows can be seen through.
     virtual bool isComposited() const = 0;
 

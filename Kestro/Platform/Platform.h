@@ -4,13 +4,17 @@ namespace kestro {
 
 class Appearance;
 class Fetcher;
+class HotKeys;
+class KeyboardGrabs;
 class Log;
+class LoginItem;
 class MainLoop;
 class Panels;
 class Pointer;
 class PreferenceStore;
 class Screens;
 class SessionEvents;
+class StatusItem;
 class SystemCounters;
 class Workspace;
 
@@ -26,6 +30,10 @@ struct Platform {
     Workspace& workspace;
     Fetcher& fetcher;
     SystemCounters& counters;
+    HotKeys& hotKeys;
+    KeyboardGrabs& keyboard;
+    StatusItem& statusItem;
+    LoginItem& loginItem;
     Log& log;
 };
 

@@ -10,7 +10,9 @@ class SessionEvents : public QObject {
 Q_SIGNALS:
     void screensDidSleep();
     void screensDidWake();
+    void willSleep(); ///< the machine is about to sleep
     void didWake(); ///< the machine woke from sleep
+    void didLock(); ///< the screen was locked
     void willEnd(); ///< the user is logging out, or the process was asked to end: flush and quit
 };
 

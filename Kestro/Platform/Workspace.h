@@ -1,12 +1,21 @@
 #pragma once
 
 #include <QImage>
+#include <QList>
 #include <QString>
 #include <QUrl>
 #include <functional>
 #include <optional>
 
 namespace kestro {
+
+/// An application that the user can start.
+struct Application {
+    QString path; ///< of its entry
+    QString name; ///< in the user's language
+
+    bool operator==(const Application&) const = default;
+};
 
 /// Applications and files as the desktop knows them. An application's path is that of its desktop entry. Main thread.
 class Workspace {
@@ -16,6 +25,8 @@ public:
     virtual bool fileExists(const QString& path) const = 0;
     /// Whether `path` is an application that can be started.
     virtual bool isApplication(const QString& path) const = 0;
+    /// Those that the desktop's own menus show, each once, in the order of their names.
+    virtual QList<Application> applications() const = 0;
     /// The application's name in the user's language, or nothing where the path is none.
     virtual std::optional<QString> displayName(const QString& path) const = 0;
     /// The icon of an application or file, at most `pixels` on a side; null where there is none.

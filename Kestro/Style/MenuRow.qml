@@ -10,7 +10,7 @@ Pressable {
     readonly property bool highlighted: enabled && (hovered || activeFocus)
 
     role: Accessible.MenuItem
-    implicitHeight: Theme.rowHeight
+    implicitHeight: Math.max(Theme.rowHeight, Math.ceil(title.implicitHeight) + 6)
     implicitWidth: title.implicitWidth + 24 + (symbol === "" ? 0 : 22) + (shortcut === "" ? 0 : keys.implicitWidth + 24)
     focusRadius: 6
 

@@ -6,6 +6,7 @@
 #include <QQmlEngine>
 #include <QVariant>
 
+#include <algorithm>
 #include <numbers>
 
 namespace kestro {
@@ -89,6 +90,19 @@ QColor Theme::window() const { return either(0xFFF5F5F7, 0xFF1E1E20); }
 QColor Theme::card() const { return either(0xFFF5F5F7, 0xFF1E1E20); }
 QColor Theme::hairline() const { return m_look.dark ? share(Qt::white, 0.15) : share(Qt::black, 0.11); }
 
+QColor Theme::sidebar() const { return either(0xFFEBEBEF, 0xFF171719); }
+QColor Theme::group() const { return either(0xFFFFFFFF, 0xFF29292C); }
+QColor Theme::control() const { return share(ink(), m_look.dark ? 0.11 : 0.06); }
+QColor Theme::shade() const { return share(Qt::black, m_look.dark ? 0.5 : 0.22); }
+QColor Theme::knob() const { return either(0xFFFFFFFF, 0xFFE9E9EC); }
+
+QColor Theme::onAccent() const
+{
+    // The desktop's accent may be any colour, a pale yellow included.
+    constexpr int pale = 170;
+    return qGray(m_look.accent.rgb()) > pale ? QColor(0x1C, 0x1C, 0x1E) : QColor(Qt::white);
+}
+
 QColor Theme::red() const { return either(0xFFFF3B30, 0xFFFF453A); }
 QColor Theme::orange() const { return either(0xFFFF9500, 0xFFFF9F0A); }
 QColor Theme::yellow() const { return either(0xFFFFCC00, 0xFFFFD60A); }
@@ -131,11 +145,12 @@ QColor Theme::meter(qreal level, const QString& style) const
 QFont Theme::font(int pixels, QFont::Weight weight) const
 {
     QFont font(m_family);
-    font.setPixelSize(pixels);
+    font.setPixelSize(std::max(1, qRound(pixels * m_look.textScale)));
     font.setWeight(weight);
     return font;
 }
 
+QFont Theme::paneFont() const { return font(20, QFont::DemiBold); }
 QFont Theme::titleFont() const { return font(15, QFont::DemiBold); }
 QFont Theme::bodyFont() const { return font(13, QFont::Normal); }
 QFont Theme::strongFont() const { return font(13, QFont::Medium); }

@@ -33,6 +33,14 @@ class Theme : public QObject {
     Q_PROPERTY(QColor card READ card NOTIFY changed FINAL)
     Q_PROPERTY(QColor hairline READ hairline NOTIFY changed FINAL)
     Q_PROPERTY(QColor accent READ accent NOTIFY changed FINAL)
+    Q_PROPERTY(QColor onAccent READ onAccent NOTIFY changed FINAL) ///< writing on the accent
+
+    /// A window of panes: its list of panes, the cards in which rows are grouped, and what can be pressed in them.
+    Q_PROPERTY(QColor sidebar READ sidebar NOTIFY changed FINAL)
+    Q_PROPERTY(QColor group READ group NOTIFY changed FINAL)
+    Q_PROPERTY(QColor control READ control NOTIFY changed FINAL)
+    Q_PROPERTY(QColor knob READ knob NOTIFY changed FINAL)
+    Q_PROPERTY(QColor shade READ shade NOTIFY changed FINAL) ///< over what waits for an answer
 
     Q_PROPERTY(QColor red READ red NOTIFY changed FINAL)
     Q_PROPERTY(QColor orange READ orange NOTIFY changed FINAL)
@@ -48,6 +56,8 @@ class Theme : public QObject {
     Q_PROPERTY(QColor orangeInk READ orangeInk NOTIFY changed FINAL)
     Q_PROPERTY(QColor greenInk READ greenInk NOTIFY changed FINAL)
 
+    /// All follow the desktop's text scale.
+    Q_PROPERTY(QFont paneFont READ paneFont NOTIFY changed FINAL) ///< 20 semibold: a pane's title
     Q_PROPERTY(QFont titleFont READ titleFont NOTIFY changed FINAL) ///< 15 semibold: a card's title
     Q_PROPERTY(QFont bodyFont READ bodyFont NOTIFY changed FINAL) ///< 13: rows
     Q_PROPERTY(QFont strongFont READ strongFont NOTIFY changed FINAL) ///< 13 medium: a word that carries a state
@@ -90,6 +100,12 @@ public:
     QColor card() const;
     QColor hairline() const;
     QColor accent() const { return m_look.accent; }
+    QColor onAccent() const;
+    QColor sidebar() const;
+    QColor group() const;
+    QColor control() const;
+    QColor knob() const;
+    QColor shade() const;
 
     QColor red() const;
     QColor orange() const;
@@ -110,6 +126,7 @@ public:
     /// "accent".
     Q_INVOKABLE QColor meter(qreal level, const QString& style) const;
 
+    QFont paneFont() const;
     QFont titleFont() const;
     QFont bodyFont() const;
     QFont strongFont() const;

@@ -5,8 +5,9 @@ import Kestro.Style
 SurfaceItem {
     property alias text: label.text
 
-    implicitWidth: Math.ceil(label.implicitWidth) + 20
-    implicitHeight: 26
+    // A name is read at a glance; a longer one is cut.
+    implicitWidth: Math.min(360, Math.ceil(label.implicitWidth) + 20)
+    implicitHeight: Math.max(26, Math.ceil(label.implicitHeight) + 10)
     radius: 8
     fill: Theme.card
     hairline: Theme.hairline

@@ -22,10 +22,14 @@ Item {
     width: frame.width
     height: frame.height
     visible: !dock.collapsed
+    // So that a screen reader says where the keyboard is.
+    focus: dock.focusedRow === index
+    onFocusChanged: if (focus) forceActiveFocus()
 
     Accessible.role: isDivider ? Accessible.Separator : Accessible.Button
     Accessible.name: name
     Accessible.description: badgeText
+    Accessible.focusable: true
     Accessible.onPressAction: root.controller.clickItem(root.index)
 
     Rectangle {
@@ -49,6 +53,14 @@ Item {
             monochrome: root.dock.monochrome
             restSize: root.dock.iconSize
         }
+    }
+
+    Rectangle {
+        visible: root.focus
+        anchors { fill: parent; margins: -3 }
+        radius: root.isDivider ? 3 : width * 0.26
+        color: "transparent"
+        border { width: 2; color: Theme.accent }
     }
 
     Badge {

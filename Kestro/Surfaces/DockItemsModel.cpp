@@ -71,7 +71,7 @@ QVariant DockItemsModel::data(const QModelIndex& index, int role) const
     case Kind:
         return kind ? rawValue(*kind) : QString();
     case Symbol:
-        return kind ? symbol(*kind) : row.item.link() ? QStringLiteral("globe") : QStringLiteral("app");
+        return row.item.symbol();
     case Picture:
         return row.picture;
     case Badge:

@@ -26,6 +26,13 @@ QList<MenuEntry> itemMenuEntries(AppModel& model, const LaunchItem& item, bool v
     QList<MenuEntry> entries;
     if (item.app() || item.link())
         entries << MenuEntry{ QStringLiteral("Open"), true, [&launcher, item] { launcher.open(item); } } << MenuEntry{};
+    if (!item.isDivider()) {
+        entries << MenuEntry{ QStringLiteral("Assign Shortcut…"), true, [&model, id] {
+                                 model.setSettingsPane(SettingsPane::layout);
+                                 model.setSettingsTarget(id);
+                                 model.openSettings();
+                             } };
+    }
     entries
         << MenuEntry{ vertical ? QStringLiteral("Move Up") : QStringLiteral("Move Left"), ids.first() != id, move(-1) }
         << MenuEntry{ vertical ? QStringLiteral("Move Down") : QStringLiteral("Move Right"), ids.last() != id, move(1) }
@@ -53,8 +60,8 @@ ItemMenu::ItemMenu(QQmlEngine& engine, const Platform& platform, QList<MenuEntry
 
     QVariantList rows;
     for (const MenuEntry& entry : m_entries)
-        rows.append(
-            QVariantMap{ { QStringLiteral("title"), entry.title }, { QStringLiteral("enabled"), entry.enabled } });
+        rows.append(QVariantMap{ { QStringLiteral("title"), entry.title }, { QStringLiteral("enabled"), entry.enabled },
+            { QStringLiteral("shortcut"), entry.shortcut } });
     m_host = std::make_unique<TrackingHostingView>(*this, engine, QStringLiteral("ItemMenuView"),
         QVariantMap{ { QStringLiteral("menu"), QVariant::fromValue(this) }, { QStringLiteral("entries"), rows },
             { QStringLiteral("shadowRoom"), NotchPanel::shadowRoom } });

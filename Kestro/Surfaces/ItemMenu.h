@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Kestro/Platform/StatusItem.h"
 #include "Kestro/Surfaces/TrackingHostingView.h"
 #include "KestroCore/Layout/LaunchItem.h"
 
@@ -11,15 +12,6 @@ namespace kestro {
 
 class AppModel;
 struct Platform;
-
-/// A row of a menu; one without a title is a separator.
-struct MenuEntry {
-    QString title;
-    bool enabled = true;
-    std::function<void()> action{};
-
-    bool isSeparator() const { return title.isEmpty(); }
-};
 
 /// What can be done with an item of the dock. `vertical` is a dock on a screen's side.
 QList<MenuEntry> itemMenuEntries(AppModel& model, const LaunchItem& item, bool vertical);

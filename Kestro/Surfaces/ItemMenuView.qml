@@ -51,6 +51,7 @@ Item {
                     MenuRow {
                         label: entry.modelData.title
                         enabled: entry.modelData.enabled
+                        shortcut: entry.modelData.shortcut
                         focus: root.current === entry.index
                         onHoveredChanged: if (hovered) root.current = entry.index
                         onPressed: root.menu.choose(entry.index)

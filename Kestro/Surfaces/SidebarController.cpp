@@ -34,6 +34,12 @@ SidebarController::SidebarController(AppModel& model, QQmlEngine& engine)
     m_strip.setTitle(QStringLiteral("Kestro Dock"));
     m_stripHost.onMouse = [this] { mouseMoved(); };
     m_card.host().onMouse = [this] { mouseMoved(); };
+    m_stripHost.onKey = [this](const QKeyEvent& event) { return keyPressed(event); };
+    connect(&m_strip, &QWindow::activeChanged, this, [this] {
+        // Without the keyboard nothing is marked as having it; what was opened stays.
+        if (m_hasKeyboard && !m_menu)
+            m_state.setFocusedRow(m_strip.isActive() ? shownRow() : -1);
+    });
 
     connect(&m_platform.screens, &Screens::changed, this, &SidebarController::layout);
     connect(&m_platform.preferences, &PreferenceStore::changed, this, [this] { reloadPrefs(false); });
@@ -62,6 +68,7 @@ void SidebarController::setActive(bool active)
     m_model.setDockVisible(false);
     m_model.syncStats();
     m_toolTip.hide();
+    releaseKeyboard();
     m_card.orderOut();
     m_strip.orderOut();
 }
@@ -217,6 +224,7 @@ void SidebarController::closeCard()
     m_model.setExpanded(false);
     m_card.orderOut();
     m_toolTip.hide();
+    releaseKeyboard();
     if (m_state.prefs().visibility == DockVisibility::autoHide)
         setRevealed(false);
     m_pillOpen = false;
@@ -247,6 +255,7 @@ void SidebarController::toggle()
         setRevealed(true);
         openPill(std::nullopt);
         m_openedByShortcut = true;
+        takeKeyboard();
     }
 }
 
@@ -261,6 +270,7 @@ void SidebarController::show(WidgetKind kind)
     m_model.setExpanded(true);
     m_model.setSelectedWidget(kind);
     layout();
+    takeKeyboard();
 }
 
 void SidebarController::reloadPrefs(bool force)
@@ -325,7 +335,9 @@ void SidebarController::clickItem(int row)
     m_model.click(m_state.items()->item(row));
 }
 
-void SidebarController::openMenu(int row)
+void SidebarController::openMenu(int row) { openMenuAt(row, m_platform.pointer.location()); }
+
+void SidebarController::openMenuAt(int row, QPointF point)
 {
     const auto on = screen();
     if (!on || m_menu)
@@ -333,7 +345,6 @@ void SidebarController::openMenu(int row)
     m_toolTip.hide();
     m_hideWork.cancel();
     const SidebarEdge edge = m_state.prefs().edge;
-    const QPointF point = m_platform.pointer.location();
     const auto beside = [dock = m_state.frame()->dock, bounds = on->visibleFrame, edge, point](QSizeF size) {
         return DockGeometry::cardFrame(size, dock, edge == SidebarEdge::bottom ? point.x() : point.y(), edge, bounds);
     };

@@ -12,6 +12,7 @@
 
 #include <QObject>
 
+class QKeyEvent;
 class QQmlEngine;
 
 namespace kestro {
@@ -59,6 +60,16 @@ private:
     void openPill(std::optional<double> center);
     void reloadPrefs(bool force);
     void menuEnded();
+
+    // The keyboard, while a shortcut opened the dock
+    int shownRow() const;
+    void takeKeyboard();
+    void releaseKeyboard();
+    bool keyPressed(const QKeyEvent& event);
+    bool command(const QKeyEvent& event);
+    void focusRow(int row);
+    void openRow(int row);
+    void openMenuAt(int row, QPointF point);
     QRectF dockOnScreen(int row) const;
 
     AppModel& m_model;
@@ -76,6 +87,7 @@ private:
     bool m_pillOpen = false;
     std::optional<double> m_pillCenter;
     bool m_openedByShortcut = false;
+    bool m_hasKeyboard = false;
     WorkItem m_hideWork;
     WorkItem m_orderOutWork;
     WorkItem m_layoutWork;

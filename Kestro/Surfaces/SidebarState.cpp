@@ -61,4 +61,12 @@ SurfaceShape SidebarState::outline() const
     Q_UNREACHABLE();
 }
 
+void SidebarState::setFocusedRow(int row)
+{
+    if (m_focusedRow == row)
+        return;
+    m_focusedRow = row;
+    Q_EMIT focusedRowChanged();
+}
+
 } // namespace kestro

@@ -22,6 +22,8 @@ class SidebarState final : public QObject {
     Q_PROPERTY(bool revealed READ revealed NOTIFY revealedChanged)
     /// Whether it comes and goes gently, as it does before the user's eyes; a new placement simply stands.
     Q_PROPERTY(bool fades READ fades NOTIFY revealedChanged)
+    /// The item that the keyboard is on; -1 while the dock does not have the keyboard.
+    Q_PROPERTY(int focusedRow READ focusedRow NOTIFY focusedRowChanged)
 public:
     explicit SidebarState(AppModel& model);
 
@@ -35,6 +37,9 @@ public:
     bool revealed() const { return m_revealed; }
     bool fades() const { return m_fades; }
     void setRevealed(bool revealed, bool fades);
+
+    int focusedRow() const { return m_focusedRow; }
+    void setFocusedRow(int row);
 
     DockItemsModel* items() { return &m_items; }
     QRectF dockRect() const;
@@ -53,12 +58,14 @@ Q_SIGNALS:
     void frameChanged();
     void prefsChanged();
     void revealedChanged();
+    void focusedRowChanged();
 
 private:
     SidebarPrefs m_prefs;
     bool m_monochrome = false;
     bool m_revealed = false;
     bool m_fades = false;
+    int m_focusedRow = -1;
     std::optional<SidebarFrame> m_frame;
     DockItemsModel m_items;
 };

@@ -1,36 +1,31 @@
 #pragma once
 
-#include <QObject>
-#include <QQuickItem>
-#include <QUrl>
-#include <QVariantMap>
-#include <functional>
-#include <memory>
+#include "Kestro/Style/HostingView.h"
 
-class QQmlEngine;
-class QQuickWindow;
+#include <functional>
+
+class QKeyEvent;
 
 namespace kestro {
 
-/// Fills a window with one view and tells when the pointer moves in it or leaves it.
+/// Fills a window with one view, and tells when the pointer moves in it or leaves it and when a key is pressed in it.
 class TrackingHostingView final : public QObject {
     Q_OBJECT
 public:
-    /// `type` is a view of the surfaces' module. A view that does not load is a fault of the build: it ends the
-    /// process.
+    /// `type` is a view of the surfaces' module.
     TrackingHostingView(QQuickWindow& window, QQmlEngine& engine, const QString& type, const QVariantMap& properties);
-    ~TrackingHostingView() override;
 
-    QQuickItem& root() { return *m_root; }
+    QQuickItem& root() { return m_host.root(); }
 
     std::function<void()> onMouse = [] {};
+    /// Whether the key was taken; if not, it goes on to the view.
+    std::function<bool(const QKeyEvent&)> onKey = [](const QKeyEvent&) { return false; };
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    QQuickWindow& m_window;
-    std::unique_ptr<QQuickItem> m_root;
+    HostingView m_host;
 };
 
 } // namespace kestro

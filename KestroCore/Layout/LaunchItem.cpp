@@ -96,6 +96,13 @@ QString LaunchItem::name() const
         kind);
 }
 
+QString LaunchItem::symbol() const
+{
+    if (const auto shown = widget())
+        return kestro::symbol(*shown);
+    return link() ? QStringLiteral("globe") : QStringLiteral("app");
+}
+
 ItemAction LaunchItem::action() const
 {
     using Verb = ItemAction::Verb;

@@ -57,6 +57,8 @@ struct LaunchItem {
     /// Never empty but for an application whose path is. An application's localised name is the platform's to tell;
     /// this is the file's name without its extension.
     QString name() const;
+    /// The name of the symbol that stands for it where it has no icon of its own.
+    QString symbol() const;
     ItemAction action() const;
     /// Whether both stand for the same thing, whatever their ids and titles. Dividers never do.
     bool isSame(const LaunchItem& other) const;

@@ -243,13 +243,15 @@ TEST_F(SidebarControllerTest, theMenuMovesAddsAndRemoves)
     };
     const auto run = [this](int row, const char* title) {
         for (const MenuEntry& entry : itemMenuEntries(*model, model->visibleItems().at(row), true)) {
-            if (entry.title == QLatin1StringView(title))
+            if (entry.title == QString::fromUtf8(title))
                 entry.action();
         }
         platform.loop.turn();
     };
-    EXPECT_EQ(QStringLiteral("Move Up!|Move Down|Add Divider After|-|Remove (turns Stats off)"), titles(0, true));
-    EXPECT_EQ(QStringLiteral("Move Left|Move Right!|Add Divider After|-|Remove (turns AI off)"), titles(1, false));
+    EXPECT_EQ(QStringLiteral("Assign Shortcut…|Move Up!|Move Down|Add Divider After|-|Remove (turns Stats off)"),
+        titles(0, true));
+    EXPECT_EQ(QStringLiteral("Assign Shortcut…|Move Left|Move Right!|Add Divider After|-|Remove (turns AI off)"),
+        titles(1, false));
     run(0, "Add Divider After");
     EXPECT_TRUE(model->visibleItems().at(1).isDivider());
     EXPECT_EQ(QStringLiteral("Move Up|Move Down|Add Divider After|-|Remove"), titles(1, true));
@@ -262,9 +264,16 @@ TEST_F(SidebarControllerTest, theMenuMovesAddsAndRemoves)
     ASSERT_EQ(std::nullopt,
         model->launcher().add(
             { QUuid::createUuid(), LaunchItem::Link{ QUrl(QStringLiteral("https://example.org")), {} }, {} }));
-    EXPECT_EQ(QStringLiteral("Open|-|Move Up|Move Down!|Add Divider After|-|Remove"), titles(2, true));
+    EXPECT_EQ(QStringLiteral("Open|-|Assign Shortcut…|Move Up|Move Down!|Add Divider After|-|Remove"), titles(2, true));
     run(2, "Open");
     EXPECT_EQ(QStringList(QStringLiteral("https://example.org")), platform.workspace.opened);
+
+    int opened = 0;
+    model->openSettings = [&] { ++opened; };
+    run(2, "Assign Shortcut…");
+    EXPECT_EQ(1, opened);
+    EXPECT_EQ(SettingsPane::layout, model->settingsPane());
+    EXPECT_EQ(model->visibleItems().at(2).id, model->settingsTarget());
 }
 
 TEST_F(SidebarControllerTest, theNextIconsNameOutlivesThePointersLeavingTheLast)
@@ -281,6 +290,43 @@ TEST_F(SidebarControllerTest, theNextIconsNameOutlivesThePointersLeavingTheLast)
     platform.loop.advance(0.5);
     EXPECT_EQ(QStringLiteral("Kestro Tooltip"), platform.panels.adopted.last()->title());
     sidebar->leaveItem(3);
+}
+
+TEST_F(SidebarControllerTest, aShortcutGivesItTheKeyboard)
+{
+    start();
+    ASSERT_EQ(std::nullopt, model->launcher().addDivider(model->visibleItems().first().id)); // Stats, divider, AI
+    const LaunchItem app{ QUuid::createUuid(), LaunchItem::App{ QStringLiteral("/app.desktop") } };
+    ASSERT_EQ(std::nullopt, model->launcher().add(app));
+    platform.workspace.names[QStringLiteral("/app.desktop")] = QStringLiteral("App");
+    platform.loop.turn();
+    const auto press = [this](Qt::Key key) {
+        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+        QCoreApplication::sendEvent(&strip(), &event);
+        platform.loop.turn();
+        return sidebar->state().focusedRow();
+    };
+
+    sidebar->toggle();
+    EXPECT_EQ(&strip(), platform.panels.focused);
+    EXPECT_EQ(0, sidebar->state().focusedRow());
+    EXPECT_EQ(0, press(Qt::Key_Up));
+    EXPECT_EQ(2, press(Qt::Key_Down)) << "the divider is stepped over";
+    EXPECT_EQ(WidgetKind::ai, model->shownWidget());
+    EXPECT_EQ(0, press(Qt::Key_Home));
+    EXPECT_EQ(3, press(Qt::Key_End));
+    EXPECT_EQ(3, press(Qt::Key_Tab));
+    EXPECT_EQ(-1, press(Qt::Key_Return)) << "an application that opens takes the keyboard";
+    EXPECT_EQ(QStringList(QStringLiteral("/app.desktop")), platform.workspace.opened);
+    EXPECT_EQ(nullptr, platform.panels.focused);
+    EXPECT_FALSE(model->expanded());
+
+    sidebar->show(WidgetKind::ai);
+    EXPECT_EQ(2, sidebar->state().focusedRow());
+    EXPECT_EQ(2, press(Qt::Key_Return)) << "a widget's card stays";
+    EXPECT_EQ(-1, press(Qt::Key_Escape));
+    EXPECT_EQ(nullptr, platform.panels.focused);
+    EXPECT_FALSE(sidebar->cardShown());
 }
 
 TEST_F(SidebarControllerTest, anEmptyLayoutOpensAndClosesWithoutACard)

@@ -85,7 +85,7 @@ class Test(DesktopTest):
     def test_the_menu_of_the_only_tile(self):
         self.start()
         self.assertEqual(
-            ["Move Up", "Move Down", "Add Divider After", "Remove (turns Stats off)"],
+            ["Assign Shortcut…", "Move Up", "Move Down", "Add Divider After", "Remove (turns Stats off)"],
             [row.name for row in self.open_menu("Stats")])
         rows = {row.name: row for row in self.tree.find_all("menuitem")}
         self.assertFalse(rows["Move Up"].enabled)

@@ -2,6 +2,8 @@
 #include "Platforms/Linux/DBus/DesktopAppearance.h"
 #include "Platforms/Linux/DBus/LogindEvents.h"
 #include "Platforms/Linux/DBus/PortalLook.h"
+#include "Platforms/Linux/DBus/ScreenLock.h"
+#include "PrivateBus.h"
 
 #include <QDBusArgument>
 #include <QDBusError>
@@ -10,44 +12,12 @@
 #include <QDBusVirtualObject>
 #include <QGuiApplication>
 #include <QPalette>
-#include <QProcess>
 #include <QSignalSpy>
 
 namespace kestro {
 namespace {
 
 using namespace test;
-
-/// A message bus of the test's own, which goes with it.
-class PrivateBus {
-public:
-    PrivateBus()
-    {
-        m_daemon.start(u"dbus-daemon"_s, { u"--session"_s, u"--nofork"_s, u"--print-address"_s });
-        m_daemon.waitForReadyRead(5000);
-        m_address = QString::fromUtf8(m_daemon.readLine().trimmed());
-    }
-    ~PrivateBus()
-    {
-        for (const QString& name : m_names)
-            QDBusConnection::disconnectFromBus(name);
-        m_daemon.kill();
-        m_daemon.waitForFinished(5000);
-    }
-
-    /// Each call gives a connection of its own, so that a service and its user do not meet inside Qt.
-    QDBusConnection connection()
-    {
-        static int count = 0;
-        m_names.append(u"test-%1"_s.arg(++count));
-        return QDBusConnection::connectToBus(m_address, m_names.last());
-    }
-
-private:
-    QProcess m_daemon;
-    QString m_address;
-    QStringList m_names;
-};
 
 using Settings = QMap<QString, QVariantMap>;
 
@@ -81,6 +51,19 @@ QDBusArgument& operator<<(QDBusArgument& out, const Rgb& rgb)
     return out;
 }
 const QDBusArgument& operator>>(const QDBusArgument& in, Rgb&) { return in; }
+
+struct SessionOfUser {
+    QString id{};
+    QDBusObjectPath path{};
+};
+QDBusArgument& operator<<(QDBusArgument& out, const SessionOfUser& session)
+{
+    out.beginStructure();
+    out << session.id << session.path;
+    out.endStructure();
+    return out;
+}
+const QDBusArgument& operator>>(const QDBusArgument& in, SessionOfUser&) { return in; }
 
 const QString appearance = u"org.freedesktop.appearance"_s;
 const QString desktop = u"org.gnome.desktop.interface"_s;
@@ -128,6 +111,10 @@ TEST_F(DesktopAppearanceTest, FollowsWhatThePortalTells)
         { { { appearance, { { u"accent-color"_s, 7 } } } }, plain },
         { { { desktop, { { u"enable-animations"_s, false }, { u"font-name"_s, u"Noto Sans Bold 10"_s } } } },
             { .reduceMotion = true, .fontFamily = u"Noto Sans"_s } },
+        { { { desktop, { { u"text-scaling-factor"_s, 1.25 } } } }, { .fontFamily = {}, .textScale = 1.25 } },
+        { { { desktop, { { u"text-scaling-factor"_s, 40.0 } } } }, { .fontFamily = {}, .textScale = 3 } },
+        { { { desktop, { { u"text-scaling-factor"_s, qQNaN() } } } }, plain },
+        { { { desktop, { { u"text-scaling-factor"_s, u"2"_s } } } }, plain },
         { { { desktop, { { u"enable-animations"_s, 0 }, { u"font-name"_s, 5 } } } }, plain },
     };
     DesktopAppearance look(m_userBus);
@@ -144,7 +131,7 @@ TEST_F(DesktopAppearanceTest, FollowsWhatThePortalTells)
     change(cases[0].first, desktop);
     change(std::nullopt); // a portal that fails keeps the last look
     EXPECT_TRUE(look.look().dark);
-    EXPECT_EQ(changed.size(), 7) << "once for each look";
+    EXPECT_EQ(changed.size(), 9) << "once for each look";
 }
 
 TEST(DesktopAppearance, TakesQtsPaletteWhereThereIsNoPortal)
@@ -175,7 +162,7 @@ TEST(PortalLook, FindsTheFamilyInAFontsDescription)
         EXPECT_EQ(PortalLook::fontFamily(QLatin1String(description)), QLatin1String(family)) << description;
 }
 
-TEST(LogindEvents, TellTheEndOfSleepAndTheBeginningOfTheEnd)
+TEST(LogindEvents, TellSleepAndTheBeginningOfTheEnd)
 {
     PrivateBus bus;
     QDBusConnection logind = bus.connection();
@@ -183,6 +170,7 @@ TEST(LogindEvents, TellTheEndOfSleepAndTheBeginningOfTheEnd)
     LogindEvents events(bus.connection());
     ASSERT_TRUE(logind.registerService(u"org.freedesktop.login1"_s)); // it may come later than we
     QStringList told;
+    QObject::connect(&events, &LogindEvents::willSleep, [&] { told.append(u"sleep"_s); });
     QObject::connect(&events, &LogindEvents::didWake, [&] { told.append(u"wake"_s); });
     QObject::connect(&events, &LogindEvents::willEnd, [&] { told.append(u"end"_s); });
     const auto tell = [](const QDBusConnection& from, const QString& signal, bool before) {
@@ -197,10 +185,84 @@ TEST(LogindEvents, TellTheEndOfSleepAndTheBeginningOfTheEnd)
     tell(logind, u"PrepareForShutdown"_s, false);
     tell(logind, u"PrepareForShutdown"_s, true);
     ASSERT_TRUE(waitFor([&] { return told.contains(u"end"_s); }));
-    EXPECT_THAT(told, testing::ElementsAre(u"wake"_s, u"end"_s));
+    EXPECT_THAT(told, testing::ElementsAre(u"sleep"_s, u"wake"_s, u"end"_s));
+}
+
+/// Knows one session, by its number or as the one that shows the user's desktop.
+class FakeLogind final : public QDBusVirtualObject {
+public:
+    static constexpr const char* ours = "/org/freedesktop/login1/session/_32";
+    int answers = 0;
+
+    QString introspect(const QString&) const override { return {}; }
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override
+    {
+        ++answers;
+        const QDBusObjectPath path((QLatin1String(ours)));
+        if (message.member() == u"GetSession" && message.arguments().value(0) == u"2"_s)
+            return connection.send(message.createReply(QVariant::fromValue(path)));
+        if (message.member() == u"Get" && message.arguments().value(1) == u"Display"_s)
+            return connection.send(message.createReply(
+                QVariant::fromValue(QDBusVariant(QVariant::fromValue(SessionOfUser{ u"2"_s, path })))));
+        return connection.send(message.createErrorReply(QDBusError::Failed, u"no such session"_s));
+    }
+};
+
+TEST(LogindEvents, TellTheLockOfOurSessionAlone)
+{
+    struct Case {
+        const char* sessionId;
+        const char* locked;
+        int told;
+    };
+    const Case cases[] = {
+        { "2", FakeLogind::ours, 1 },
+        { "2", "/org/freedesktop/login1/session/_33", 0 },
+        { "7", FakeLogind::ours, 0 },
+        { "", FakeLogind::ours, 1 },
+        { "", "/org/freedesktop/login1/session/_33", 0 },
+    };
+    qDBusRegisterMetaType<SessionOfUser>();
+    PrivateBus bus;
+    QDBusConnection logindBus = bus.connection();
+    FakeLogind logind;
+    logindBus.registerVirtualObject(u"/"_s, &logind, QDBusConnection::SubPath);
+    ASSERT_TRUE(logindBus.registerService(u"org.freedesktop.login1"_s));
+    LogindEvents events(bus.connection());
+    QSignalSpy locks(&events, &LogindEvents::didLock);
+    for (const Case& c : cases) {
+        qputenv("XDG_SESSION_ID", c.sessionId);
+        locks.clear();
+        const int before = logind.answers;
+        logindBus.send(
+            QDBusMessage::createSignal(QLatin1String(c.locked), u"org.freedesktop.login1.Session"_s, u"Lock"_s));
+        ASSERT_TRUE(waitFor([&] { return logind.answers > before && events.children().isEmpty(); }));
+        EXPECT_EQ(locks.size(), c.told) << c.sessionId << ' ' << c.locked;
+    }
+    qunsetenv("XDG_SESSION_ID");
+}
+
+TEST(ScreenLock, HearsEveryDesktopsOwn)
+{
+    PrivateBus bus;
+    const QDBusConnection saver = bus.connection();
+    ScreenLock lock(bus.connection());
+    QSignalSpy locks(&lock, &ScreenLock::didLock);
+    int expected = 0;
+    for (const char* const sender : { "freedesktop", "gnome", "xfce", "cinnamon", "mate" }) {
+        for (const bool active : { false, true }) {
+            QDBusMessage signal = QDBusMessage::createSignal(
+                u"/org/x/ScreenSaver"_s, u"org.%1.ScreenSaver"_s.arg(QLatin1String(sender)), u"ActiveChanged"_s);
+            signal.setArguments({ active });
+            saver.send(signal);
+        }
+        ++expected;
+        EXPECT_TRUE(waitFor([&] { return locks.size() == expected; })) << sender;
+    }
 }
 
 } // namespace
 } // namespace kestro
 
 Q_DECLARE_METATYPE(kestro::Rgb)
+Q_DECLARE_METATYPE(kestro::SessionOfUser)

@@ -78,6 +78,37 @@ TEST_F(GioWorkspaceTest, KnowsAnApplicationFromAnythingElse)
     EXPECT_FALSE(m_workspace.isApplication(m_folder.path()));
 }
 
+TEST_F(GioWorkspaceTest, ListsWhatTheMenusShow)
+{
+    const QString folder = s_data.filePath(u"applications/listed"_s);
+    const std::tuple<const char*, const char*, const char*> entries[] = {
+        { "zebra", "Name=zebra\n", "Exec=true\n" },
+        { "one", "Name=Éclair b\n", "Exec=true\n" },
+        { "two", "Name=eclair A\n", "Exec=true\n" },
+        { "deep/three", "Name=Three\nName[xx]=apfel\n", "Exec=true\n" },
+        { "nodisplay", "Name=A\nNoDisplay=true\n", "Exec=true\n" },
+        { "hidden", "Name=B\nHidden=true\n", "Exec=true\n" },
+        { "elsewhere", "Name=C\nOnlyShowIn=Kestro-Test;\n", "Exec=true\n" },
+        { "gone", "Name=D\n", "Exec=/nonexistent/x\n" },
+        { "nameless", "", "Exec=true\n" },
+    };
+    QDir().mkpath(folder + u"/deep"_s);
+    for (const auto& [file, name, command] : entries)
+        writeFile(u"%1/%2.desktop"_s.arg(folder, QLatin1String(file)),
+            QByteArray("[Desktop Entry]\nType=Application\n") + name + command);
+    QStringList names;
+    QStringList paths;
+    for (const Application& application : m_workspace.applications()) {
+        if (!application.path.startsWith(folder))
+            continue;
+        names.append(application.name);
+        paths.append(QDir(folder).relativeFilePath(application.path));
+    }
+    EXPECT_THAT(names, testing::ElementsAre(u"apfel"_s, u"eclair A"_s, u"Éclair b"_s, u"zebra"_s));
+    EXPECT_EQ(paths.value(0), u"deep/three.desktop"_s);
+    QDir(folder).removeRecursively();
+}
+
 TEST_F(GioWorkspaceTest, DrawsIconsFromFilesAndThemes)
 {
     QImage picture(200, 100, QImage::Format_ARGB32);

@@ -123,4 +123,82 @@ void FakeFetcher::answer(const FetchResult& result)
     }
 }
 
+QList<Application> FakeWorkspace::applications() const
+{
+    QList<Application> all;
+    for (auto each = names.begin(); each != names.end(); ++each)
+        all.append({ each.key(), each.value() });
+    return all;
+}
+
+HotKeys::Status FakeHotKeys::registerHotKey(const KeyCombo& combo, quint32 id)
+{
+    if (failure != success)
+        return failure;
+    if (taken.contains(combo) || registered.values().contains(combo))
+        return exists;
+    registered[id] = combo;
+    return success;
+}
+
+bool FakeHotKeys::press(const KeyCombo& combo)
+{
+    const quint32 id = registered.key(combo);
+    if (id != 0)
+        Q_EMIT pressed(id);
+    return id != 0;
+}
+
+QStringList FakeHotKeys::held() const
+{
+    QStringList shown;
+    for (const KeyCombo& combo : registered)
+        shown.append(combo.displayString());
+    shown.sort();
+    return shown;
+}
+
+class FakeKeyboard::Hold final : public KeyboardHold {
+public:
+    explicit Hold(FakeKeyboard& keyboard)
+        : m_keyboard(keyboard)
+    {
+    }
+    ~Hold() override { m_keyboard.m_pressed = nullptr; }
+
+private:
+    FakeKeyboard& m_keyboard;
+};
+
+std::unique_ptr<KeyboardHold> FakeKeyboard::hold(
+    std::function<void(const KeyPress&)> pressed, std::function<void()> left)
+{
+    if (taken || m_pressed)
+        return nullptr;
+    m_pressed = std::move(pressed);
+    m_left = std::move(left);
+    return std::make_unique<Hold>(*this);
+}
+
+void FakeKeyboard::leave()
+{
+    if (const auto left = m_pressed ? m_left : nullptr)
+        left();
+}
+
+void FakeKeyboard::press(quint16 keyCode, quint64 flags)
+{
+    if (const auto pressed = m_pressed)
+        pressed({ keyCode, flags });
+}
+
+std::optional<QString> FakeLoginItem::setEnabled(bool on)
+{
+    if (failure)
+        return failure;
+    if (std::exchange(enabled, on) != on)
+        Q_EMIT changed();
+    return std::nullopt;
+}
+
 } // namespace kestro::test

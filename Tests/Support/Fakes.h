@@ -2,13 +2,17 @@
 
 #include "Kestro/Platform/Appearance.h"
 #include "Kestro/Platform/Fetcher.h"
+#include "Kestro/Platform/HotKeys.h"
+#include "Kestro/Platform/KeyboardGrabs.h"
 #include "Kestro/Platform/Log.h"
+#include "Kestro/Platform/LoginItem.h"
 #include "Kestro/Platform/Panels.h"
 #include "Kestro/Platform/Platform.h"
 #include "Kestro/Platform/Pointer.h"
 #include "Kestro/Platform/PreferenceStore.h"
 #include "Kestro/Platform/Screens.h"
 #include "Kestro/Platform/SessionEvents.h"
+#include "Kestro/Platform/StatusItem.h"
 #include "Kestro/Platform/SystemCounters.h"
 #include "Kestro/Platform/Workspace.h"
 #include "Tests/Support/FakeLoop.h"
@@ -69,8 +73,15 @@ class FakePanels final : public Panels {
 public:
     void adopt(QWindow& window) override { adopted.append(&window); }
     void setShape(QWindow& window, const QRegion& shape) override { shapes[&window] = shape; }
+    void takeFocus(QWindow& window) override { focused = &window; }
+    void returnFocus(QWindow& window) override
+    {
+        if (focused == &window)
+            focused = nullptr;
+    }
     bool isComposited() const override { return composited; }
 
+    QWindow* focused = nullptr;
     QList<QWindow*> adopted;
     QHash<QWindow*, QRegion> shapes;
     bool composited = true;
@@ -86,6 +97,7 @@ class FakeWorkspace final : public Workspace {
 public:
     bool fileExists(const QString& path) const override { return names.contains(path); }
     bool isApplication(const QString& path) const override { return names.contains(path); }
+    QList<Application> applications() const override;
     std::optional<QString> displayName(const QString& path) const override;
     QImage icon(const QString& path, int pixels) const override;
     void openApplication(const QString& path, std::function<void(const QString&)> failed) override;
@@ -128,6 +140,50 @@ public:
     mutable int readings = 0;
 };
 
+class FakeHotKeys final : public HotKeys {
+public:
+    Status registerHotKey(const KeyCombo& combo, quint32 id) override;
+    void unregisterHotKey(quint32 id) override { registered.remove(id); }
+    /// The user presses a combination: whether anyone was told.
+    bool press(const KeyCombo& combo);
+    QStringList held() const; ///< what is registered, as shown to the user, sorted
+
+    QMap<quint32, KeyCombo> registered; ///< by id
+    QList<KeyCombo> taken; ///< by other applications
+    Status failure = success; ///< what every registration answers, where not success
+};
+
+class FakeKeyboard final : public KeyboardGrabs {
+public:
+    std::unique_ptr<KeyboardHold> hold(
+        std::function<void(const KeyPress&)> pressed, std::function<void()> left) override;
+    void leave(); ///< the user goes to another window
+    void press(quint16 keyCode, quint64 flags = 0);
+    bool isHeld() const { return bool(m_pressed); }
+
+    bool taken = false; ///< by another program
+
+private:
+    class Hold;
+    std::function<void(const KeyPress&)> m_pressed;
+    std::function<void()> m_left;
+};
+
+class FakeStatusItem final : public StatusItem {
+public:
+    void show(std::function<QImage(int)>, QList<MenuEntry> entries) override { menu = std::move(entries); }
+    void hide() override { menu.clear(); }
+    QList<MenuEntry> menu;
+};
+
+class FakeLoginItem final : public LoginItem {
+public:
+    bool isEnabled() const override { return enabled; }
+    std::optional<QString> setEnabled(bool on) override;
+    bool enabled = false;
+    std::optional<QString> failure; ///< what a change answers
+};
+
 class RecordingLog final : public Log {
 public:
     void write(const QString& line) override { lines.append(line); }
@@ -146,11 +202,16 @@ struct FakePlatform {
     FakeWorkspace workspace;
     FakeFetcher fetcher;
     FakeCounters counters;
+    FakeHotKeys hotKeys;
+    FakeKeyboard keyboard;
+    FakeStatusItem statusItem;
+    FakeLoginItem loginItem;
     RecordingLog log;
 
     Platform ports()
     {
-        return { loop, preferences, screens, pointer, panels, appearance, session, workspace, fetcher, counters, log };
+        return { loop, preferences, screens, pointer, panels, appearance, session, workspace, fetcher, counters,
+            hotKeys, keyboard, statusItem, loginItem, log };
     }
 };
 

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <QDBusConnection>
+#include <QDBusMessage>
 #include <QObject>
+#include <QVariant>
+#include <functional>
 
 namespace kestro {
 
@@ -12,12 +15,20 @@ public:
     explicit LogindEvents(const QDBusConnection& systemBus, QObject* parent = nullptr);
 
 Q_SIGNALS:
+    void willSleep(); ///< the machine is about to sleep
     void didWake(); ///< the machine woke from sleep
+    void didLock(); ///< our session was asked to lock itself
     void willEnd(); ///< the machine is about to go down
 
 private Q_SLOTS:
     void prepareForSleep(bool before);
     void prepareForShutdown(bool before);
+    void lockAsked(const QDBusMessage& signal);
+
+private:
+    void ask(const QDBusMessage& message, std::function<void(const QVariant&)> take);
+
+    QDBusConnection m_bus;
 };
 
 } // namespace kestro

@@ -4,6 +4,7 @@
 #include <QRegularExpression>
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <optional>
 
 namespace kestro::PortalLook {
@@ -29,6 +30,15 @@ std::optional<QColor> colour(const QVariant& value)
         return std::nullopt;
     return QColor::fromRgbF(
         static_cast<float>(channels[0]), static_cast<float>(channels[1]), static_cast<float>(channels[2]));
+}
+
+std::optional<double> textScale(const QVariant& value)
+{
+    constexpr double smallest = 0.5;
+    constexpr double largest = 3;
+    if (value.metaType() != QMetaType::fromType<double>() || !std::isfinite(value.toDouble()))
+        return std::nullopt;
+    return std::clamp(value.toDouble(), smallest, largest);
 }
 
 bool isStyleWord(const QString& word)
@@ -68,6 +78,7 @@ Look read(const QMap<QString, QVariantMap>& settings, const Look& fallback)
     const QVariant animations = interface.value(QStringLiteral("enable-animations"));
     if (animations.metaType() == QMetaType::fromType<bool>())
         look.reduceMotion = !animations.toBool();
+    look.textScale = textScale(interface.value(QStringLiteral("text-scaling-factor"))).value_or(fallback.textScale);
     const QString family = fontFamily(interface.value(QStringLiteral("font-name")).toString());
     if (!family.isEmpty())
         look.fontFamily = family;

@@ -1,5 +1,6 @@
 #include "GioWorkspace.h"
 
+#include "ApplicationList.h"
 #include "GioPointer.h"
 #include "ThemedIcon.h"
 
@@ -109,6 +110,22 @@ GioWorkspace::GioWorkspace()
 bool GioWorkspace::fileExists(const QString& path) const { return QFileInfo::exists(path); }
 
 bool GioWorkspace::isApplication(const QString& path) const { return readEntry(path) != nullptr; }
+
+QList<Application> GioWorkspace::applications() const
+{
+    QList<Application> found;
+    for (const QString& path : ApplicationList::entries()) {
+        const auto entry = readEntry(path);
+        if (!entry)
+            continue;
+        const GioPointer<GDesktopAppInfo> application(g_desktop_app_info_new_from_keyfile(entry.get()));
+        const QString name = entryText(entry.get(), "Name");
+        if (application && !name.isEmpty() && g_app_info_should_show(G_APP_INFO(application.get())))
+            found.append({ path, name });
+    }
+    ApplicationList::sort(found);
+    return found;
+}
 
 std::optional<QString> GioWorkspace::displayName(const QString& path) const
 {

@@ -14,6 +14,7 @@ public:
 
     bool fileExists(const QString& path) const override;
     bool isApplication(const QString& path) const override;
+    QList<Application> applications() const override;
     std::optional<QString> displayName(const QString& path) const override;
     QImage icon(const QString& path, int pixels) const override;
 

@@ -1,6 +1,7 @@
 #include "Platforms/Linux/X11/X11Connection.h"
 
 #include <QMetaObject>
+#include <algorithm>
 
 namespace kestro {
 
@@ -65,6 +66,34 @@ const xcb_query_extension_reply_t* X11Connection::extension(xcb_extension_t& id)
     const auto* data = xcb_get_extension_data(raw(), &id);
     collectQueued();
     return data && data->present ? data : nullptr;
+}
+
+bool X11Connection::accepted(xcb_void_cookie_t checked)
+{
+    const XcbOwned<xcb_generic_error_t> error(xcb_request_check(raw(), checked));
+    collectQueued();
+    return !error && isAlive();
+}
+
+xcb_timestamp_t X11Connection::serverTime()
+{
+    if (m_clock == XCB_NONE) {
+        m_clock = xcb_generate_id(raw());
+        const uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
+        xcb_create_window(raw(), XCB_COPY_FROM_PARENT, m_clock, root(), -1, -1, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
+            XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &mask);
+    }
+    xcb_change_property(raw(), XCB_PROP_MODE_APPEND, m_clock, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8, 0, nullptr);
+    reply(xcb_get_input_focus_reply, xcb_get_input_focus(raw())); // the notice has come before its answer
+    const auto told = std::find_if(m_queued.begin(), m_queued.end(), [this](const auto& event) {
+        const auto& notice = reinterpret_cast<const xcb_property_notify_event_t&>(*event);
+        return (event->response_type & 0x7f) == XCB_PROPERTY_NOTIFY && notice.window == m_clock;
+    });
+    if (told == m_queued.end())
+        return XCB_CURRENT_TIME;
+    const xcb_timestamp_t time = reinterpret_cast<const xcb_property_notify_event_t&>(**told).time;
+    m_queued.erase(told);
+    return time;
 }
 
 void X11Connection::flush() { xcb_flush(raw()); }

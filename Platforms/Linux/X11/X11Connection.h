@@ -59,7 +59,13 @@ public:
         return result;
     }
 
+    /// Whether the server took the request: `connection.accepted(xcb_grab_key_checked(...))`.
+    bool accepted(xcb_void_cookie_t checked);
+
     void flush();
+
+    /// The server's time now, asked of it.
+    xcb_timestamp_t serverTime();
 
     /// Calls `handler` for each event of that number for as long as `context` lives.
     void onEvent(uint8_t type, QObject* context, Handler handler);
@@ -86,6 +92,7 @@ private:
     xcb_window_t m_root = XCB_NONE;
     std::unique_ptr<QSocketNotifier> m_notifier;
     QHash<QByteArray, xcb_atom_t> m_atoms;
+    xcb_window_t m_clock = XCB_NONE; ///< where a change of a property tells the time
     std::deque<XcbOwned<xcb_generic_event_t>> m_queued;
     std::list<Registration> m_handlers; // a list: handlers are added while one runs
     bool m_drainPosted = false;

@@ -25,12 +25,6 @@ xcb_connection_t* qtConnection()
     return native ? native->connection() : nullptr;
 }
 
-xcb_window_t windowId(const QWindow& window)
-{
-    // winId() is not const because it may create the window, which has a handle here.
-    return window.handle() ? static_cast<xcb_window_t>(const_cast<QWindow&>(window).winId()) : XCB_NONE;
-}
-
 template <class T> void replace(xcb_window_t window, xcb_atom_t property, xcb_atom_t type, const QList<T>& values)
 {
     static_assert(sizeof(T) == 4);
@@ -59,6 +53,12 @@ void askWindowManager(X11Connection& atoms, xcb_window_t window, const char* mes
 }
 
 } // namespace
+
+xcb_window_t windowId(const QWindow& window)
+{
+    // winId() is not const because it may create the window, which has a handle here.
+    return window.handle() ? static_cast<xcb_window_t>(const_cast<QWindow&>(window).winId()) : XCB_NONE;
+}
 
 void writePanelHints(X11Connection& atoms, const QWindow& window)
 {

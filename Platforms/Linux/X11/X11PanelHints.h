@@ -16,6 +16,9 @@ class X11Connection;
 /// a window is mapped, the window manager may never read. Without Qt's xcb plugin nothing is done.
 namespace x11 {
 
+/// Its X window, or none where it has not been made.
+xcb_window_t windowId(const QWindow& window);
+
 /// Type, states, desktop and input model, as properties. For a window that is not mapped.
 void writePanelHints(X11Connection& atoms, const QWindow& window);
 

@@ -1,6 +1,7 @@
 #include "Platforms/Linux/X11/X11Panels.h"
 
 #include "Platforms/Linux/X11/X11Connection.h"
+#include "Platforms/Linux/X11/X11Focus.h"
 #include "Platforms/Linux/X11/X11Geometry.h"
 #include "Platforms/Linux/X11/X11PanelHints.h"
 
@@ -41,6 +42,34 @@ void X11Panels::adopt(QWindow& window)
     // An X window made with other flags is replaced by Qt in the moment of showing, without a word.
     window.destroy();
     window.setFlags(window.flags() | Qt::FramelessWindowHint | Qt::WindowDoesNotAcceptFocus | Qt::WindowStaysOnTopHint);
+}
+
+void X11Panels::takeFocus(QWindow& window)
+{
+    Entry& entry = entryOf(window);
+    entry.focusWanted = entry.beingShown; // the server refuses the focus to a window that is not mapped yet
+    if (!entry.focusWanted)
+        giveFocus(window, entry);
+}
+
+void X11Panels::giveFocus(QWindow& window, Entry& entry)
+{
+    const xcb_window_t id = x11::windowId(window);
+    const xcb_window_t before = x11::focusedWindow(m_connection);
+    if (id == XCB_NONE || id == before)
+        return;
+    entry.focusBefore = before;
+    x11::setFocus(m_connection, id);
+}
+
+void X11Panels::returnFocus(QWindow& window)
+{
+    Entry& entry = entryOf(window);
+    entry.focusWanted = false;
+    const xcb_window_t before = std::exchange(entry.focusBefore, XCB_NONE);
+    const xcb_window_t id = x11::windowId(window);
+    if (id != XCB_NONE && x11::focusedWindow(m_connection) == id)
+        x11::setFocus(m_connection, x11::nextFocus(m_connection, before, id));
 }
 
 void X11Panels::setShape(QWindow& window, const QRegion& shape)
@@ -112,6 +141,7 @@ void X11Panels::aboutToShow(QWindow& window)
 {
     Entry& entry = m_entries[&window];
     entry.beingShown = true;
+    entry.focusWanted = false;
     if (entry.isPanel)
         x11::writePanelHints(m_connection, window);
 }
@@ -130,6 +160,8 @@ void X11Panels::appeared(QWindow& window)
     }
     if (entry.input)
         x11::setWindowShape(window, XCB_SHAPE_SK_INPUT, entry.input);
+    if (std::exchange(entry.focusWanted, false))
+        giveFocus(window, entry);
 }
 
 void X11Panels::watchCompositor()

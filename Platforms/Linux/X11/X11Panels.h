@@ -20,6 +20,8 @@ public:
 
     void adopt(QWindow& window) override;
     void setShape(QWindow& window, const QRegion& shape) override;
+    void takeFocus(QWindow& window) override;
+    void returnFocus(QWindow& window) override;
     bool isComposited() const override { return m_composited; }
 
 protected:
@@ -32,6 +34,8 @@ private:
     struct Entry {
         bool isPanel = false;
         bool beingShown = false; ///< mapped or about to be, and not seen on the screen yet
+        bool focusWanted = false; ///< as soon as it is on the screen
+        xcb_window_t focusBefore = XCB_NONE; ///< who had the focus that it was given
         std::optional<QRegion> shape; ///< nothing: the whole window
         std::optional<Rectangles> input;
         std::optional<Rectangles> bounding;
@@ -43,6 +47,7 @@ private:
     void surfaceCreated(QWindow& window);
     void aboutToShow(QWindow& window);
     void appeared(QWindow& window);
+    void giveFocus(QWindow& window, Entry& entry);
     void watchCompositor();
     bool compositorRuns() const;
 

@@ -54,14 +54,15 @@ class Keys:
         self._display = display.Display()
 
     def type(self, combination):
-        codes = [self._code(self.MODIFIERS.get(part, part)) for part in combination.split("+")]
+        codes = [self.code(self.MODIFIERS.get(part, part)) for part in combination.split("+")]
         for code in codes:
             xtest.fake_input(self._display, X.KeyPress, code)
         for code in reversed(codes):
             xtest.fake_input(self._display, X.KeyRelease, code)
         self._display.sync()
 
-    def _code(self, name):
+    def code(self, name):
+        """The key that gives this keysym in the layout of the moment."""
         code = self._display.keysym_to_keycode(XK.string_to_keysym(name))
         if not code:
             raise ValueError(f"no key gives {name}")

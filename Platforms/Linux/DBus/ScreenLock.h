@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QObject>
+
+namespace kestro {
+
+/// The desktop's screen lock, as it tells of itself on the session bus. Listening starts nobody.
+class ScreenLock : public QObject {
+    Q_OBJECT
+public:
+    explicit ScreenLock(const QDBusConnection& sessionBus, QObject* parent = nullptr);
+
+Q_SIGNALS:
+    void didLock(); ///< told as often as the desktop tells it, which may be by several names at once
+
+private Q_SLOTS:
+    void activeChanged(bool active);
+};
+
+} // namespace kestro
