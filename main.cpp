@@ -73,6 +73,7 @@ int main(int, char** argv)
     int count = 3;
     QGuiApplication application(count, arguments);
     QGuiApplication::setApplicationName(QStringLiteral("Kestro"));
+    QGuiApplication::setApplicationVersion(QStringLiteral(KESTRO_VERSION));
     QGuiApplication::setDesktopFileName(QStringLiteral("kestro"));
     QGuiApplication::setQuitOnLastWindowClosed(false);
 
@@ -112,6 +113,7 @@ int main(int, char** argv)
                              counters, hotKeys, keyboard, tray, autostart, log },
         folders);
     QObject::connect(&session, &SessionEvents::willEnd, &application, &QCoreApplication::quit);
+    QObject::connect(&instance, &SingleInstance::secondStart, &delegate, &AppDelegate::showSettings);
     delegate.applicationDidFinishLaunching();
     const int status = QGuiApplication::exec();
     delegate.applicationWillTerminate();

@@ -3,9 +3,15 @@
 #include "Kestro/Launch/Rename.h"
 #include "Kestro/Platform/Panels.h"
 #include "Kestro/Platform/PreferenceStore.h"
+#include "Kestro/Platform/Screens.h"
+#include "Kestro/Platform/StatusItem.h"
 #include "Kestro/Platform/Workspace.h"
+#include "Kestro/Style/MenuBarIcon.h"
+#include "Kestro/Surfaces/ItemMenu.h"
+#include "KestroCore/Support/Geometry.h"
 
 #include <QCoreApplication>
+#include <algorithm>
 
 namespace kestro {
 
@@ -16,6 +22,21 @@ const Folders& migrated(const Folders& folders)
 {
     Rename::migrate(folders.home);
     return folders;
+}
+
+/// A menu of `size` that hangs from `point`, on the screen that it is on.
+QRectF menuPlace(QPointF point, QSizeF size, const QList<Screen>& screens)
+{
+    QRectF place(point - QPointF(0, size.height()), size);
+    for (const Screen& each : screens) {
+        if (!geometry::contains(each.info.frame, point))
+            continue;
+        const QRectF& free = each.visibleFrame;
+        place.moveLeft(std::max(free.left(), std::min(place.x(), free.right() - size.width())));
+        place.moveTop(std::max(free.top(), std::min(place.y(), free.bottom() - size.height())));
+        break;
+    }
+    return place;
 }
 
 } // namespace
@@ -29,6 +50,9 @@ AppDelegate::AppDelegate(const Platform& platform, const Folders& folders)
     connect(&platform.panels, &Panels::compositedChanged, this,
         [this] { m_theme.setComposited(m_platform.panels.isComposited()); });
     m_theme.install(m_engine);
+    m_model.openSettings = [this] { showSettings(); };
+    connect(&platform.statusItem, &StatusItem::activated, this, &AppDelegate::showSettings);
+    connect(&platform.statusItem, &StatusItem::menuRequested, this, &AppDelegate::openTrayMenu);
 }
 
 AppDelegate::~AppDelegate() = default;
@@ -44,9 +68,67 @@ void AppDelegate::applicationDidFinishLaunching()
     applyDisplayMode();
     connect(&m_platform.preferences, &PreferenceStore::changed, this, &AppDelegate::applyDisplayMode);
     m_model.start();
+    m_trayWork = m_platform.loop.after(0, [this] {
+        showStatusItem();
+        connect(&m_theme, &Theme::changed, this, &AppDelegate::showStatusItem);
+    });
 }
 
-void AppDelegate::applicationWillTerminate() { m_platform.preferences.flush(); }
+void AppDelegate::applicationWillTerminate()
+{
+    m_trayWork.cancel();
+    m_theme.disconnect(this);
+    m_platform.statusItem.hide();
+    m_platform.preferences.flush();
+}
+
+void AppDelegate::showStatusItem()
+{
+    const auto icon = [dark = m_theme.isDark()](int pixels) { return menuBarIcon(pixels, dark); };
+    m_platform.statusItem.show(icon, trayMenu());
+}
+
+void AppDelegate::showSettings()
+{
+    if (!m_settings)
+        m_settings = std::make_unique<SettingsWindow>(m_model, m_engine, [this] { leave(std::move(m_settings)); });
+    m_settings->bringToFront();
+}
+
+void AppDelegate::leave(std::unique_ptr<QWindow> window)
+{
+    // It is still on the stack: it goes on a later turn, and with the rest of us if there is none.
+    m_leaving.push_back(std::move(window));
+    m_leaveWork = m_platform.loop.after(0, [this] {
+        m_leaving.clear();
+        m_engine.collectGarbage();
+    });
+}
+
+QList<MenuEntry> AppDelegate::trayMenu()
+{
+    return {
+        { QStringLiteral("Check for Updates…"), true,
+            [this] {
+                m_model.setSettingsPane(SettingsPane::general);
+                showSettings();
+            } },
+        {},
+        { QStringLiteral("Settings…"), true, [this] { showSettings(); }, QStringLiteral("⌘,") },
+        {},
+        { QStringLiteral("Quit Kestro"), true, [] { QCoreApplication::quit(); }, QStringLiteral("⌘Q") },
+    };
+}
+
+void AppDelegate::openTrayMenu(QPointF at)
+{
+    if (m_trayMenu)
+        return;
+    m_trayMenu = std::make_unique<ItemMenu>(
+        m_engine, m_platform, trayMenu(),
+        [this, at](QSizeF size) { return menuPlace(at, size, m_platform.screens.all()); },
+        [this] { leave(std::move(m_trayMenu)); });
+}
 
 void AppDelegate::applyDisplayMode()
 {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Kestro/Application/AppModel.h"
+#include "Kestro/Settings/SettingsWindow.h"
 #include "Kestro/Style/Theme.h"
 #include "Kestro/Surfaces/NotchPanelController.h"
 #include "Kestro/Surfaces/SidebarController.h"
@@ -9,6 +10,7 @@
 #include <QQmlEngine>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace kestro {
 
@@ -25,10 +27,17 @@ public:
     /// Once, when the process is about to end; no window is touched.
     void applicationWillTerminate();
 
+    /// Opens the Settings window, or brings it to the front.
+    void showSettings();
+
     AppModel& model() { return m_model; }
 
 private:
     void applyDisplayMode();
+    void showStatusItem();
+    QList<MenuEntry> trayMenu();
+    void openTrayMenu(QPointF at);
+    void leave(std::unique_ptr<QWindow> window);
 
     Platform m_platform;
     Theme m_theme;
@@ -37,6 +46,11 @@ private:
     std::unique_ptr<NotchPanelController> m_panel;
     std::unique_ptr<SidebarController> m_sidebar;
     std::optional<DisplayMode> m_mode;
+    std::unique_ptr<SettingsWindow> m_settings; ///< there while it is open
+    std::unique_ptr<ItemMenu> m_trayMenu; ///< there while it is open
+    std::vector<std::unique_ptr<QWindow>> m_leaving; ///< closed, and about to be destroyed
+    WorkItem m_leaveWork;
+    WorkItem m_trayWork;
 };
 
 } // namespace kestro

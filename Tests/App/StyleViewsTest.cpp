@@ -1,75 +1,14 @@
-#include "Tests/Support/Fakes.h"
+#include "Tests/App/StyleFixture.h"
 
 #include <Kestro/Style/Figures.h>
 #include <Kestro/Style/Spinner.h>
-#include <Kestro/Style/Theme.h>
 
-#include <QQmlComponent>
-#include <QQmlContext>
-#include <QQmlEngine>
-#include <QQmlProperty>
-#include <QQuickItem>
-#include <QQuickWindow>
 #include <QSignalSpy>
-#include <QTest>
-#include <gtest/gtest.h>
 
 namespace kestro {
 namespace {
 
-using test::FakeAppearance;
-
-constexpr char imports[] = "import QtQuick\nimport Kestro.Style\nimport Kestro.Agents\nimport Kestro.Statistics\n";
-
-/// A window of views made from a line of QML; what the engine complains about fails the test.
-class StyleViews : public testing::Test {
-protected:
-    static void SetUpTestSuite() { QQuickWindow::setSceneGraphBackend(QStringLiteral("software")); }
-
-    QQuickItem& show(const char* qml)
-    {
-        QObject::connect(&engine, &QQmlEngine::warnings,
-            [](const QList<QQmlError>& errors) { ADD_FAILURE() << errors.first().toString().toStdString(); });
-        theme.install(engine);
-        QQmlComponent component(&engine);
-        component.setData(QByteArray(imports) + qml, QUrl());
-        item.reset(qobject_cast<QQuickItem*>(component.create()));
-        EXPECT_TRUE(item) << component.errorString().toStdString();
-        window.setWidth(400);
-        window.setHeight(300);
-        item->setParentItem(window.contentItem());
-        window.show();
-        EXPECT_TRUE(QTest::qWaitForWindowExposed(&window));
-        window.requestActivate();
-        return *item;
-    }
-
-    static QString accessible(QObject* object, const char* property)
-    {
-        return QQmlProperty::read(
-            object, QStringLiteral("Accessible.") + QLatin1StringView(property), qmlContext(object))
-            .toString();
-    }
-
-    /// The names that a screen reader finds in what is shown, in order.
-    static QStringList names(const QQuickItem& root)
-    {
-        QStringList found;
-        for (QQuickItem* child : root.childItems()) {
-            if (!child->isVisible())
-                continue;
-            const QString name = accessible(child, "name");
-            found += name.isEmpty() ? names(*child) : QStringList(name);
-        }
-        return found;
-    }
-
-    FakeAppearance appearance;
-    Theme theme{ appearance };
-    QQmlEngine engine;
-    QQuickWindow window;
-    std::unique_ptr<QQuickItem> item;
-};
+using test::StyleViews;
 
 constexpr char sessions[] = R"(
         AgentList { width: 360; limit: 2; errorLines: ["Broken file"]; rows: ListModel {
@@ -106,16 +45,11 @@ TEST_F(StyleViews, APressByAnyHandIsOnePress)
     QQuickItem& row = show("MenuRow { width: 120; label: 'Remove'; focus: true }");
     QSignalSpy pressed(&row, SIGNAL(pressed()));
     row.forceActiveFocus();
-    QObject* attached = nullptr;
-    for (QObject* child : row.children())
-        attached = child->inherits("QQuickAccessibleAttached") ? child : attached;
-    ASSERT_TRUE(attached);
-
     const auto pressEveryWay = [&] {
         QTest::mouseClick(&window, Qt::LeftButton, {}, QPoint(20, 10));
         QTest::keyClick(&window, Qt::Key_Return);
         QTest::keyClick(&window, Qt::Key_Space);
-        QMetaObject::invokeMethod(attached, "pressAction");
+        act(&row, "pressAction");
     };
     pressEveryWay();
     EXPECT_EQ(pressed.count(), 4);

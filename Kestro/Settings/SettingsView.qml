@@ -1,0 +1,42 @@
+import QtQuick
+import Kestro.Style
+
+// The Settings window: the list of panes at the left, the chosen one beside it.
+Rectangle {
+    id: root
+
+    required property var model
+    required property var settings
+    readonly property string pane: model.settingsPane
+
+    function search() {
+        sidebar.search();
+    }
+    function load() {
+        const entry = settings.panes("").find(each => each.pane === pane);
+        shown.setSource(entry.view, { model: model, settings: settings, title: entry.title });
+    }
+
+    color: Theme.window
+    onPaneChanged: load()
+    Component.onCompleted: {
+        if (shown.status === Loader.Null)
+            load();
+        sidebar.take();
+    }
+
+    SettingsSidebar {
+        id: sidebar
+
+        width: Math.min(parent.width * 0.34, Math.max(200, implicitWidth))
+        height: parent.height
+        settings: root.settings
+        current: root.pane
+        onChosen: pane => root.model.settingsPane = pane
+    }
+    Loader {
+        id: shown
+
+        anchors { left: sidebar.right; right: parent.right; top: parent.top; bottom: parent.bottom }
+    }
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QObject>
+#include <QVariantList>
+#include <QVariantMap>
+#include <QtQml/qqmlregistration.h>
+
+namespace kestro {
+
+struct Platform;
+
+/// What the Appearance pane shows and changes: preferences as the surfaces read them. Main thread.
+class AppearanceSettings final : public QObject {
+    Q_OBJECT
+    QML_ANONYMOUS
+    /// By preference key; what is chosen among names is its raw string.
+    Q_PROPERTY(QVariantMap values READ values NOTIFY changed)
+    /// What can be chosen as a screen, { value, title }: the stored one too, while it is not there.
+    Q_PROPERTY(QVariantList screens READ screens NOTIFY changed)
+    Q_PROPERTY(double smallestScale READ smallestScale CONSTANT)
+    Q_PROPERTY(double largestScale READ largestScale CONSTANT)
+public:
+    /// `platform` must outlive it.
+    explicit AppearanceSettings(const Platform& platform);
+
+    QVariantMap values() const;
+    /// Written at once. A key or a value that is none of these is a fault of the view, and is not written.
+    Q_INVOKABLE void set(const QString& key, const QVariant& value);
+
+    QVariantList screens() const;
+    double smallestScale() const;
+    double largestScale() const;
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    const Platform& m_platform;
+};
+
+} // namespace kestro
