@@ -3,8 +3,10 @@
 
     KESTRO=build/benchmark/kestro Tests/Desktop/desk /usr/bin/python3 Benchmarks/measure.py NAME...
 
-names: startup (needs BARE, the bare window's program, and COMP=0), memory, idle, pointer, socket, magnify"""
+names: startup (needs BARE, the bare window's program, and COMP=0), memory, idle, pointer, socket, magnify, shortcut,
+settings, shortcuts_idle"""
 
+import base64
 import json
 import os
 import select
@@ -13,12 +15,13 @@ import statistics
 import subprocess
 import sys
 import time
+import uuid
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "Tests" / "Desktop"))
 
 from harness.program import HOME, Kestro  # noqa: E402
-from harness.screen import DamageWatch, Pointer, windows  # noqa: E402
+from harness.screen import DamageWatch, Keys, Pointer, windows  # noqa: E402
 from harness.waiting import wait_for  # noqa: E402
 from Xlib import X, display  # noqa: E402
 from Xlib.ext import damage  # noqa: E402
@@ -187,6 +190,69 @@ def measure_magnify():
                 times.append((moment - start) * 1000)
             pause(max(0, due - time.perf_counter()))
         print(f"motion to damage: median {statistics.median(times):.1f} ms, 99th percentile {percentile(times, 0.99):.1f} ms, {len(times)} motions of 600")
+
+
+def measure_shortcut():
+    with Kestro(AGENTS) as kestro:
+        Pointer().move(600, 200)
+        keys = Keys()
+        watch = DamageWatch(strip_of(kestro))
+        times = []
+        for _ in range(100):
+            pause(0.1)
+            watch.forget()
+            start = time.perf_counter()
+            keys.type("ctrl+alt+space")
+            times.append((watch.next() - start) * 1000)
+            kestro.tree.wait("panel", "Stats")
+            keys.type("Escape")
+            kestro.tree.wait_gone("panel", "Stats")
+        print(f"key to damage: median {statistics.median(times):.1f} ms, 95th percentile {percentile(times, 0.95):.1f} ms, {len(times)} presses")
+
+
+def measure_settings():
+    """From Control and the comma, typed into the dock, until the window's own colour stands in its middle."""
+    with Kestro(AGENTS) as kestro:
+        Pointer().move(600, 200)
+        keys = Keys()
+        connection = display.Display()
+        root = connection.screen().root
+        connection.damage_query_version()
+        root.damage_create(damage.DamageReportRawRectangles)
+        screen = connection.screen()
+        area = (screen.width_in_pixels // 2 + 100, screen.height_in_pixels // 2 + 200, 8, 8)
+        opened, kept = [], []
+        for _ in range(20):
+            before = memory_of(kestro.pid)[0]
+            keys.type("ctrl+alt+space")
+            kestro.tree.wait("panel", "Stats")
+            pause(0.2)
+            start = time.perf_counter()
+            keys.type("ctrl+comma")
+            while min(root.get_image(*area, X.ZPixmap, 0xFFFFFFFF).data[:3]) < 230:
+                select.select([connection.fileno()], [], [], 1)
+                while connection.pending_events():
+                    connection.next_event()
+            opened.append((time.perf_counter() - start) * 1000)
+            kestro.tree.wait("page tab", "General")
+            pause(0.3)
+            keys.type("ctrl+w")
+            kestro.tree.wait_gone("page tab", "General")
+            pause(1)
+            kept.append(memory_of(kestro.pid)[0] - before)
+        print(f"settings, first opening to painted: {opened[0]:.0f} ms, later median {statistics.median(opened[1:]):.0f} ms")
+        print(f"memory kept after closing: first {kept[0]:+.1f} MB, openings 2 to 20 together {sum(kept[1:]):+.1f} MB (PSS)")
+
+
+def measure_shortcuts_idle():
+    items = [{"id": str(uuid.uuid4()).upper(), "kind": {"app": {"path": f"/usr/share/applications/{key}.desktop"}},
+              "shortcut": {"keyCode": key, "modifiers": 6144}} for key in range(16)]
+    layout = {"$data": base64.b64encode(json.dumps(items).encode()).decode()}
+    with Kestro({"launcherItems": layout, "launcherItems.migrated": True}) as kestro:
+        pause(5)
+        usage = Usage(kestro.pid)
+        pause(60)
+        usage.report("idle with 17 shortcuts")
 
 
 if __name__ == "__main__":

@@ -1,10 +1,18 @@
 #!/usr/bin/env bash
-# Makes docs/pictures from a real run: three agents report through the hooks, and the AI tile's card is open.
+# Makes docs/pictures from real runs: the dock with the AI tile's card open while three agents report through the hooks,
+# and every pane of the Settings window, light and dark, at scale 1 and 1.5. KESTRO=PROGRAM takes another program than
+# the release build.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-./run --build-only
-KESTRO=$PWD/build/release/kestro PYTHONPATH=Tests/Desktop DESK_PICTURES=$PWD/build/pictures GEOM=1280x800 \
-    DESK_BACKGROUND='#2a4a63' Tests/Desktop/desk /usr/bin/python3 -B -W ignore - <<'PYTHON'
+if [ -z "${KESTRO:-}" ]; then
+    ./run --build-only
+    KESTRO=$PWD/build/release/kestro
+fi
+export KESTRO PYTHONPATH=Tests/Desktop DESK_PICTURES=$PWD/build/pictures DESK_BACKGROUND='#2a4a63'
+
+# As arguments: what runs on the desktop has no standard input.
+dock=$(
+    cat <<'PYTHON'
 import json
 import subprocess
 
@@ -32,4 +40,68 @@ with Kestro({"agentsEnabled": True, "dockMagnification": True}) as kestro:
     subprocess.run(["convert", "build/pictures/dock.png", "-crop", "640x400+640+200", "+repage", "-strip",
                     "docs/pictures/dock.png"], check=True)
 PYTHON
+)
+GEOM=1280x800 Tests/Desktop/desk /usr/bin/python3 -B -W ignore -c "$dock"
 echo "docs/pictures/dock.png"
+
+settings=$(
+    cat <<'PYTHON'
+import os
+import subprocess
+import threading
+
+import dbus
+import dbus.service
+from dbus.mainloop.glib import DBusGMainLoop
+from gi.repository import GLib
+from harness import Kestro, picture, windows
+
+SCHEME, SCALE = os.environ["SCHEME"], os.environ["QT_SCALE_FACTOR"]
+SETTINGS = "org.freedesktop.portal.Settings"
+
+
+class Portal(dbus.service.Object):
+    """Says how the desktop looks, as a desktop's portal does."""
+
+    @dbus.service.method(SETTINGS, in_signature="as", out_signature="a{sa{sv}}")
+    def ReadAll(self, groups):
+        look = {"color-scheme": dbus.UInt32(1 if SCHEME == "dark" else 2)}
+        return {"org.freedesktop.appearance": dbus.Dictionary(look, signature="sv")}
+
+
+DBusGMainLoop(set_as_default=True)
+bus = dbus.SessionBus()
+portal = Portal(bus, "/org/freedesktop/portal/desktop")
+name = dbus.service.BusName("org.freedesktop.portal.Desktop", bus)
+threading.Thread(target=GLib.MainLoop().run, daemon=True).start()
+
+
+def still(of):
+    """A picture of the desktop once nothing in it moves any more."""
+    last = None
+    while (now := picture(of).read_bytes()) != last:
+        last = now
+
+
+with Kestro({"agentsEnabled": True, "dockMagnification": True, "sidebarTint": "blue"}) as kestro:
+    subprocess.run([os.environ["KESTRO"]], check=True)
+    kestro.tree.wait("page tab", "General")
+    panes = [tab.name for tab in kestro.tree.find_all("page tab")]
+    for pane in panes:
+        kestro.tree.find("page tab", pane).press()
+        kestro.tree.wait("heading", pane)
+        of = f"settings-{pane.lower()}-{SCHEME}" + ("" if SCALE == "1" else f"@{SCALE}x")
+        still(of)
+        frame = max((frame for _, frame in windows(kestro.pid)), key=lambda each: each.width)
+        subprocess.run(["convert", f"build/pictures/{of}.png", "-crop",
+                        f"{frame.width}x{frame.height}+{frame.x}+{frame.y}", "+repage", "-strip", "+dither", "-colors", "128",
+                        f"png8:docs/pictures/{of}.png"], check=True)
+        print(f"docs/pictures/{of}.png")
+PYTHON
+)
+for scheme in dark light; do
+    for scale in 1 1.5; do
+        SCHEME=$scheme QT_SCALE_FACTOR=$scale GEOM=1600x1100 Tests/Desktop/desk \
+            /usr/bin/python3 -B -W ignore -c "$settings"
+    done
+done
