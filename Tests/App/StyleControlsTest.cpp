@@ -219,7 +219,7 @@ TEST_F(StyleControls, ARowGivesItsWordsTheRoomThatTheyNeed)
             if (child->isVisible() && child->property("text").isValid()
                 && child->height() < child->implicitHeight() - 1)
                 return child->property("text").toString();
-            if (const QString found = self(self, *child); !found.isEmpty())
+            if (QString found = self(self, *child); !found.isEmpty())
                 return found;
         }
         return {};
