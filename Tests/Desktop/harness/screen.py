@@ -6,7 +6,7 @@ import subprocess
 import time
 from pathlib import Path
 
-from Xlib import X, XK, display
+from Xlib import X, XK, display, error
 from Xlib.ext import damage, xtest
 
 from .tree import Frame
@@ -78,14 +78,17 @@ def windows(pid):
         found = []
 
         def look(window, depth):
-            prop = window.get_full_property(owner, X.AnyPropertyType)
-            if prop and prop.value[0] == pid:
-                if window.get_attributes().map_state == X.IsViewable:
-                    size, place = window.get_geometry(), window.translate_coords(root, 0, 0)
-                    found.append((window.id, Frame(-place.x, -place.y, size.width, size.height)))
-            elif depth < 2:  # a managed window stands in the frame of its manager
-                for child in window.query_tree().children:
-                    look(child, depth + 1)
+            try:
+                prop = window.get_full_property(owner, X.AnyPropertyType)
+                if prop and prop.value[0] == pid:
+                    if window.get_attributes().map_state == X.IsViewable:
+                        size, place = window.get_geometry(), window.translate_coords(root, 0, 0)
+                        found.append((window.id, Frame(-place.x, -place.y, size.width, size.height)))
+                elif depth < 2:  # a managed window stands in the frame of its manager
+                    for child in window.query_tree().children:
+                        look(child, depth + 1)
+            except (error.BadWindow, error.BadDrawable):
+                pass  # closed between two looks
 
         look(root, 0)
         return found
