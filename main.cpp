@@ -10,6 +10,8 @@
 #include "Platforms/Linux/System/NetworkFetcher.h"
 #include "Platforms/Linux/System/PreferenceFile.h"
 #include "Platforms/Linux/System/ProcCounters.h"
+#include "Platforms/Linux/System/ProcPeerInspector.h"
+#include "Platforms/Linux/System/ProcessRunner.h"
 #include "Platforms/Linux/System/QtMainLoop.h"
 #include "Platforms/Linux/System/SingleInstance.h"
 #include "Platforms/Linux/System/StderrLog.h"
@@ -22,6 +24,7 @@
 #include "Platforms/Linux/X11/X11ScreenSaver.h"
 #include "Platforms/Linux/X11/X11Screens.h"
 #include "Platforms/Linux/X11/X11Tray.h"
+#include "Platforms/Linux/X11/X11Windows.h"
 
 #include <QDir>
 #include <QGuiApplication>
@@ -109,8 +112,12 @@ int main(int, char** argv)
     AutostartEntry autostart(
         folders.home, qEnvironmentVariable("XDG_CONFIG_HOME"), QCoreApplication::applicationFilePath());
 
+    ProcPeerInspector peers;
+    X11Windows windows(connection);
+    ProcessRunner commands;
+
     AppDelegate delegate({ loop, preferences, screens, pointer, panels, appearance, session, workspace, fetcher,
-                             counters, hotKeys, keyboard, tray, autostart, log },
+                             counters, hotKeys, keyboard, tray, autostart, peers, windows, commands, log },
         folders);
     QObject::connect(&session, &SessionEvents::willEnd, &application, &QCoreApplication::quit);
     QObject::connect(&instance, &SingleInstance::secondStart, &delegate, &AppDelegate::showSettings);

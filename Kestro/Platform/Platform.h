@@ -3,6 +3,8 @@
 namespace kestro {
 
 class Appearance;
+class CommandRunner;
+class DesktopWindows;
 class Fetcher;
 class HotKeys;
 class KeyboardGrabs;
@@ -10,6 +12,7 @@ class Log;
 class LoginItem;
 class MainLoop;
 class Panels;
+class PeerInspector;
 class Pointer;
 class PreferenceStore;
 class Screens;
@@ -34,6 +37,9 @@ struct Platform {
     KeyboardGrabs& keyboard;
     StatusItem& statusItem;
     LoginItem& loginItem;
+    PeerInspector& peers;
+    DesktopWindows& windows;
+    CommandRunner& commands;
     Log& log;
 };
 

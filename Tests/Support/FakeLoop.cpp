@@ -1,6 +1,7 @@
 #include "Tests/Support/FakeLoop.h"
 
 #include <algorithm>
+#include <chrono>
 
 namespace kestro::test {
 
@@ -31,6 +32,18 @@ void FakeLoop::post(Work work)
 {
     const std::lock_guard lock(m_postedMutex);
     m_posted.push_back(std::move(work));
+    m_arrived.notify_one();
+}
+
+bool FakeLoop::turnWhenPosted()
+{
+    {
+        std::unique_lock lock(m_postedMutex);
+        if (!m_arrived.wait_for(lock, std::chrono::seconds(10), [this] { return !m_posted.empty(); }))
+            return false;
+    }
+    turn();
+    return true;
 }
 
 void FakeLoop::runPosted()

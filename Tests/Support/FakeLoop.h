@@ -2,6 +2,7 @@
 
 #include "Kestro/Platform/MainLoop.h"
 
+#include <condition_variable>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -18,6 +19,8 @@ public:
 
     /// Runs what was posted and what is due at this very moment, until nothing is left.
     void turn();
+    /// Blocks until another thread has posted something, and runs it; false if none does within ten seconds.
+    bool turnWhenPosted();
     /// Lets `seconds` pass, running everything that falls due on the way, in order.
     void advance(double seconds);
     /// How many work items and timers wait: 0 means that nothing would ever wake the process.
@@ -39,6 +42,7 @@ private:
     Date m_now{ 800000000 };
     std::vector<std::shared_ptr<Entry>> m_entries;
     std::mutex m_postedMutex;
+    std::condition_variable m_arrived;
     std::vector<Work> m_posted;
 };
 

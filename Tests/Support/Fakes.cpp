@@ -1,5 +1,7 @@
 #include "Tests/Support/Fakes.h"
 
+#include <algorithm>
+
 namespace kestro::test {
 
 void FakePreferences::setValue(const QString& key, const QVariant& value)
@@ -199,6 +201,59 @@ std::optional<QString> FakeLoginItem::setEnabled(bool on)
     if (std::exchange(enabled, on) != on)
         Q_EMIT changed();
     return std::nullopt;
+}
+
+class FakePeers::Watch final : public ProcessWatch {
+public:
+    Watch(FakePeers& owner, std::list<Watched>::iterator place)
+        : m_owner(owner)
+        , m_place(place)
+    {
+    }
+    ~Watch() override { m_owner.m_watched.erase(m_place); }
+
+private:
+    FakePeers& m_owner;
+    std::list<Watched>::iterator m_place;
+};
+
+std::unique_ptr<ProcessWatch> FakePeers::watch(const ProcessId& process, std::function<void()> ended)
+{
+    if (std::ranges::find(m_ended, process) != m_ended.end())
+        return nullptr;
+    return std::make_unique<Watch>(*this, m_watched.insert(m_watched.end(), { process, std::move(ended) }));
+}
+
+void FakePeers::end(const ProcessId& process)
+{
+    m_ended.push_back(process);
+    const auto watched = m_watched; // who is told may end its watch
+    for (const Watched& each : watched) {
+        if (each.process == process)
+            each.ended();
+    }
+}
+
+bool FakeWindows::raise(quint32 id)
+{
+    if (std::ranges::find(windows, id, &DesktopWindow::id) == windows.end())
+        return false;
+    raised.append(id);
+    activeId = id;
+    return true;
+}
+
+void FakeCommands::run(
+    const QStringList& words, const QByteArray& input, double limit, std::function<void(const CommandResult&)> done)
+{
+    running.push_back({ words, input, limit, std::move(done) });
+}
+
+void FakeCommands::answer(const CommandResult& result)
+{
+    const Running first = running.front();
+    running.pop_front();
+    first.done(result);
 }
 
 } // namespace kestro::test

@@ -1,12 +1,15 @@
 #pragma once
 
 #include "Kestro/Platform/Appearance.h"
+#include "Kestro/Platform/CommandRunner.h"
+#include "Kestro/Platform/DesktopWindows.h"
 #include "Kestro/Platform/Fetcher.h"
 #include "Kestro/Platform/HotKeys.h"
 #include "Kestro/Platform/KeyboardGrabs.h"
 #include "Kestro/Platform/Log.h"
 #include "Kestro/Platform/LoginItem.h"
 #include "Kestro/Platform/Panels.h"
+#include "Kestro/Platform/PeerInspector.h"
 #include "Kestro/Platform/Platform.h"
 #include "Kestro/Platform/Pointer.h"
 #include "Kestro/Platform/PreferenceStore.h"
@@ -184,6 +187,55 @@ public:
     std::optional<QString> failure; ///< what a change answers
 };
 
+class FakePeers final : public PeerInspector {
+public:
+    HookOrigin peer(int) const override { return origin; }
+    HookOrigin process(qint64 pid) const override { return processes.value(pid); }
+    std::unique_ptr<ProcessWatch> watch(const ProcessId& process, std::function<void()> ended) override;
+    void end(const ProcessId& process); ///< tells everyone who watches it, and nobody afterwards
+    int watches() const { return int(m_watched.size()); }
+
+    HookOrigin origin; ///< of every connection; set while no message is on its way
+    QHash<qint64, HookOrigin> processes;
+
+private:
+    class Watch;
+    struct Watched {
+        ProcessId process;
+        std::function<void()> ended;
+    };
+    std::list<Watched> m_watched;
+    std::vector<ProcessId> m_ended;
+};
+
+class FakeWindows final : public DesktopWindows {
+public:
+    std::vector<DesktopWindow> all() const override { return windows; }
+    quint32 active() const override { return activeId; }
+    bool raise(quint32 id) override;
+
+    std::vector<DesktopWindow> windows;
+    quint32 activeId = 0;
+    QList<quint32> raised;
+};
+
+class FakeCommands final : public CommandRunner {
+public:
+    void run(const QStringList& words, const QByteArray& input, double limit,
+        std::function<void(const CommandResult&)> done) override;
+    bool exists(const QString& program) const override { return !missing.contains(program); }
+    void answer(const CommandResult& result); ///< the oldest that still runs
+
+    struct Running {
+        QStringList words;
+        QByteArray input;
+        double limit;
+        std::function<void(const CommandResult&)> done;
+    };
+    std::list<Running> running;
+    QStringList missing;
+};
+
 class RecordingLog final : public Log {
 public:
     void write(const QString& line) override { lines.append(line); }
@@ -206,12 +258,15 @@ struct FakePlatform {
     FakeKeyboard keyboard;
     FakeStatusItem statusItem;
     FakeLoginItem loginItem;
+    FakePeers peers;
+    FakeWindows windows;
+    FakeCommands commands;
     RecordingLog log;
 
     Platform ports()
     {
         return { loop, preferences, screens, pointer, panels, appearance, session, workspace, fetcher, counters,
-            hotKeys, keyboard, statusItem, loginItem, log };
+            hotKeys, keyboard, statusItem, loginItem, peers, windows, commands, log };
     }
 };
 

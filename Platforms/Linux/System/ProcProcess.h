@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QByteArray>
+#include <QByteArrayView>
+#include <QtGlobal>
+#include <optional>
+#include <vector>
+
+/// What procfs tells of a process. `root` is a descriptor of it; what cannot be read is empty.
+namespace kestro::proc {
+
+/// The fields of a process's `stat`.
+struct Stat {
+    QByteArray name; ///< at most 15 bytes, any of them
+    char state = 0; ///< 'Z' has ended and waits for its parent
+    qint64 parent = 0;
+    quint64 startTime = 0; ///< in clock ticks since the boot
+
+    static std::optional<Stat> parse(QByteArrayView text);
+
+    bool operator==(const Stat&) const = default;
+};
+
+std::optional<Stat> stat(int root, qint64 pid);
+/// The base names of its executable and of its first two arguments, as far as they can be read.
+std::vector<QByteArray> programNames(int root, qint64 pid);
+/// The values of these variables of its environment, empty where it has none.
+std::vector<QByteArray> variables(int root, qint64 pid, const std::vector<QByteArrayView>& names);
+
+} // namespace kestro::proc
