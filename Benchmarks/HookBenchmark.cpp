@@ -1,10 +1,12 @@
-/// How long an agent waits for its hook: the hook's own command, run as the agent runs it, against this system's socket
-/// and, interleaved, against a bare server that closes as soon as it has the bytes.
+/// How long an agent waits for its hook: the hook's own command, run as the agent runs it, against this system's
+/// socket, against the same with the walk from the hook up to its agent and, all interleaved, against a bare server
+/// that closes as soon as it has the bytes.
 ///
 ///     HookBenchmark [SOCKET [RUNS]]      SOCKET: that of a running Kestro, or "-" for one of the benchmark's own
 
 #include "Benchmarks/SocketServer.h"
 #include "KestroCore/Agents/AgentSocket.h"
+#include "Platforms/Linux/System/ProcPeerInspector.h"
 
 #include <array>
 #include <fcntl.h>
@@ -44,9 +46,13 @@ void serveBare(const std::filesystem::path& path, int ready)
     }
 }
 
-void serveOurs(const std::filesystem::path& path, int ready)
+void serveOurs(const std::filesystem::path& path, int ready, bool walks)
 {
-    AgentSocket socket(QString::fromStdString(path.string()), [](const SocketMessage&) {});
+    const ProcPeerInspector peers;
+    AgentSocket socket(QString::fromStdString(path.string()), [&](const SocketMessage&, int connection) {
+        if (walks)
+            require(!peers.peer(connection).ancestors.empty(), "walk");
+    });
     socket.start();
     report(ready, 0);
     for (;;)
@@ -95,30 +101,37 @@ int main(int argc, char** argv)
 {
     const std::string running = argc > 1 ? argv[1] : "-";
     const int runs = argc > 2 ? std::atoi(argv[2]) : 1000;
-    const Home ourHome, bareHome;
+    const Home ourHome, walkHome, bareHome;
     const Server bare([&](int ready) { serveBare(bareHome.socket, ready); });
+    const Server walk([&](int ready) { serveOurs(walkHome.socket, ready, true); });
     const Server ours([&](int ready) {
         if (running == "-")
-            serveOurs(ourHome.socket, ready);
+            serveOurs(ourHome.socket, ready, false);
         std::filesystem::create_symlink(running, ourHome.socket);
         report(ready, 0);
     });
 
-    std::vector<double> ourTimes, bareTimes;
+    struct Kind {
+        const char* name;
+        const Home& home;
+        std::vector<double> times{};
+    };
+    std::array<Kind, 3> kinds{ { { running == "-" ? "socket" : "running", ourHome }, { "walk", walkHome },
+        { "bare", bareHome } } };
     for (int i = 0; i < runs; ++i) {
-        // The order alternates, so that neither always runs on what the other left in the caches.
-        if (i % 2 == 0)
-            ourTimes.push_back(runHook(ourHome.path));
-        bareTimes.push_back(runHook(bareHome.path));
-        if (i % 2 == 1)
-            ourTimes.push_back(runHook(ourHome.path));
+        // The order goes round, so that none always runs on what another left in the caches.
+        for (size_t turn = 0; turn < kinds.size(); ++turn) {
+            Kind& kind = kinds[(static_cast<size_t>(i) + turn) % kinds.size()];
+            kind.times.push_back(runHook(kind.home.path));
+        }
     }
     std::printf("%d runs of the hook command each, milliseconds\n", runs);
-    std::printf("%-8s %8s %8s %8s\n", "", "median", "p99", "max");
-    for (const auto& [name, times] : { std::pair("kestro", &ourTimes), std::pair("bare", &bareTimes) })
-        std::printf("%-8s %8.3f %8.3f %8.3f\n", name, quantile(*times, 0.5) * 1e3, quantile(*times, 0.99) * 1e3,
-            quantile(*times, 1) * 1e3);
-    std::printf("median %.2f times the bare server's; p99 %.2f times\n",
-        quantile(ourTimes, 0.5) / quantile(bareTimes, 0.5), quantile(ourTimes, 0.99) / quantile(bareTimes, 0.99));
+    std::printf("%-8s %8s %8s %8s %14s\n", "", "median", "p99", "max", "median / bare");
+    for (const Kind& kind : kinds)
+        std::printf("%-8s %8.3f %8.3f %8.3f %14.2f\n", kind.name, quantile(kind.times, 0.5) * 1e3,
+            quantile(kind.times, 0.99) * 1e3, quantile(kind.times, 1) * 1e3,
+            quantile(kind.times, 0.5) / quantile(kinds.back().times, 0.5));
+    std::printf(
+        "with the walk %.2f times as long as without\n", quantile(kinds[1].times, 0.5) / quantile(kinds[0].times, 0.5));
     return 0;
 }

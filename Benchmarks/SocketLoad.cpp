@@ -29,7 +29,7 @@ void serve(const std::filesystem::path& path, int reports)
     std::mutex mutex;
     std::map<QString, long> next;
     long received = 0, misplaced = 0;
-    AgentSocket socket(QString::fromStdString(path.string()), [&](const SocketMessage& message) {
+    AgentSocket socket(QString::fromStdString(path.string()), [&](const SocketMessage& message, int) {
         const std::lock_guard lock(mutex);
         ++received;
         if (message.event()->name.toLong() != next[message.event()->sessionID]++)

@@ -4,9 +4,11 @@
     KESTRO=build/benchmark/kestro Tests/Desktop/desk /usr/bin/python3 Benchmarks/measure.py NAME...
 
 names: startup (needs BARE, the bare window's program, and COMP=0), memory, idle, pointer, socket, magnify, shortcut,
-settings, shortcuts_idle"""
+settings, shortcuts_idle, events, status_line,
+blocked, kill"""
 
 import base64
+import ctypes
 import json
 import os
 import select
@@ -16,6 +18,7 @@ import subprocess
 import sys
 import time
 import uuid
+from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "Tests" / "Desktop"))
@@ -149,10 +152,10 @@ def measure_pointer():
         print("frames drawn meanwhile:", "some" if watch.next(0.1) else "none")
 
 
-def send(event):
+def send(event, session="s"):
     client = socket.socket(socket.AF_UNIX)
     client.connect(str(SOCKET))
-    body = {"session_id": "s", "hook_event_name": event, "cwd": "/home/u/kestro"}
+    body = {"session_id": session, "hook_event_name": event, "cwd": "/home/u/kestro"}
     client.sendall(b"agent=claude\n" + json.dumps(body).encode())
     client.recv(1)
     client.close()
@@ -253,6 +256,116 @@ def measure_shortcuts_idle():
         usage = Usage(kestro.pid)
         pause(60)
         usage.report("idle with 17 shortcuts")
+
+
+def measure_events():
+    """A hundred events a second over 500 sessions, the card closed."""
+    with Kestro(AGENTS) as kestro:
+        Pointer().move(600, 200)
+        wait_for(SOCKET.exists)
+        for session in range(500):
+            send("UserPromptSubmit", f"s-{session}")
+        pause(2)
+        usage = Usage(kestro.pid)
+        due = time.perf_counter()
+        for number in range(3000):
+            send("PostToolUse", f"s-{number * 7 % 500}")
+            due += 1 / 100
+            pause(max(0, due - time.perf_counter()))
+        usage.report("100 events a second over 500 sessions")
+
+
+def measure_status_line():
+    """The user's own command alone and through the wrapper, in turn, with a running program to send to."""
+    settings = HOME / ".claude" / "settings.json"
+    settings.parent.mkdir()
+    settings.write_text(json.dumps({"statusLine": {"type": "command", "command": "cat"}}))
+    with Kestro({"limitsEnabled": True}):
+        wrapper = wait_for(lambda: "kestro" in settings.read_text() and
+                           json.loads(settings.read_text())["statusLine"]["command"])
+        for size, turns in ((2_000, 300), (1_000_000, 100)):
+            body = json.dumps({"rate_limits": {"five_hour": {"used_percentage": 1, "resets_at": 4102444800}},
+                               "more": "x" * size}).encode()
+            times = {"cat": [], wrapper: []}
+            for _ in range(turns):
+                for command, taken in times.items():
+                    start = time.perf_counter()
+                    done = subprocess.run(["/bin/sh", "-c", command], input=body, stdout=subprocess.PIPE, check=True)
+                    taken.append((time.perf_counter() - start) * 1000)
+                    assert done.stdout.strip() == body
+            bare, wrapped = (statistics.median(taken) for taken in times.values())
+            print(f"status line of {size} bytes: median {wrapped:.2f} ms, bare {bare:.2f} ms, added {wrapped - bare:.2f} ms, {turns} interleaved")
+
+
+class Halted:
+    """The program with its main thread, and that alone, stopped."""
+
+    def __init__(self, pid):
+        self._pid, self._libc = pid, ctypes.CDLL(None, use_errno=True)
+        self._libc.ptrace.argtypes = [ctypes.c_long, ctypes.c_long, ctypes.c_void_p, ctypes.c_void_p]
+
+    def _ptrace(self, request):
+        if self._libc.ptrace(request, self._pid, None, None) != 0:
+            raise OSError(ctypes.get_errno(), "ptrace")
+
+    def __enter__(self):
+        self._ptrace(0x4206)  # PTRACE_SEIZE
+        self._ptrace(0x4207)  # PTRACE_INTERRUPT
+        os.waitpid(self._pid, 0x40000000)  # __WALL
+
+    def __exit__(self, *_):
+        self._ptrace(17)  # PTRACE_DETACH
+
+
+def measure_blocked():
+    """Two hundred hooks while the main thread is blocked for ten seconds: how long each of them takes."""
+    with Kestro(AGENTS) as kestro:
+        command = wait_for(lambda: (HOME / ".claude" / "settings.json").exists() and json.loads(
+            (HOME / ".claude" / "settings.json").read_text()))["hooks"]["Stop"][0]["hooks"][0]["command"]
+
+        def connect(session):
+            start = time.perf_counter()
+            send("Stop", f"c-{session}")
+            return (time.perf_counter() - start) * 1000
+
+        def hook(session):
+            text = json.dumps({"session_id": f"h-{session}", "hook_event_name": "Stop", "cwd": "/"})
+            start = time.perf_counter()
+            subprocess.run(["/bin/sh", "-c", command], input=text, text=True, check=True)
+            return (time.perf_counter() - start) * 1000
+
+        end = time.perf_counter() + 10
+        with Halted(kestro.pid):
+            with ThreadPoolExecutor(200) as pool:
+                connections = list(pool.map(connect, range(200)))
+            hooks = [hook(session) for session in range(200)]
+            with ThreadPoolExecutor(8) as pool:
+                together = list(pool.map(hook, range(200)))
+            pause(max(0, end - time.perf_counter()))
+        for what, times in (("connections at once", connections), ("hooks one after another", hooks), ("hooks, 8 at a time", together)):
+            print(f"blocked, 200 {what}: median {statistics.median(times):.1f} ms, most {max(times):.1f} ms")
+
+
+def measure_kill():
+    """From the end of an agent's process to the end of its badge, the card closed."""
+    script = HOME / "claude"
+    script.write_text("#!/bin/bash\nsh -c \"$1\" </dev/stdin\nread -r line\n")
+    script.chmod(0o755)
+    with Kestro(AGENTS) as kestro:
+        command = wait_for(lambda: (HOME / ".claude" / "settings.json").exists() and json.loads(
+            (HOME / ".claude" / "settings.json").read_text()))["hooks"]["Stop"][0]["hooks"][0]["command"]
+        text = json.dumps({"session_id": "k", "hook_event_name": "UserPromptSubmit", "cwd": "/"})
+        times = []
+        for _ in range(10):
+            agent = subprocess.Popen([script, f"printf %s '{text}' | {{ {command}\n}}"], stdin=subprocess.PIPE)
+            wait_for(lambda: kestro.tree.find("button", "AI").description == "Working")
+            pause(2.5)
+            start = time.perf_counter()
+            agent.kill()
+            wait_for(lambda: kestro.tree.find("button", "AI").description == "", 5)
+            times.append((time.perf_counter() - start) * 1000)
+            agent.wait()
+        print(f"kill to the row's end, asked every 10 ms: median {statistics.median(times):.0f} ms, most {max(times):.0f} ms")
 
 
 if __name__ == "__main__":

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Makes docs/pictures from real runs: the dock with the AI tile's card open while three agents report through the hooks,
-# and every pane of the Settings window, light and dark, at scale 1 and 1.5. KESTRO=PROGRAM takes another program than
+# the AI window, and every pane of the Settings window, light and dark, at scale 1 and 1.5. KESTRO=PROGRAM takes another program than
 # the release build.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
@@ -15,8 +15,9 @@ dock=$(
     cat <<'PYTHON'
 import json
 import subprocess
+import time
 
-from harness import HOME, Kestro, Pointer, hook_input, picture, run_as_agent, wait_for
+from harness import HOME, Kestro, Pointer, hook_input, picture, run_as_agent, wait_for, windows
 
 CLAUDE, CODEX = HOME / ".claude" / "settings.json", HOME / ".codex" / "hooks.json"
 
@@ -26,23 +27,46 @@ def tell(path, event, session, folder):
     run_as_agent(command, json.dumps(hook_input(event, session, f"/home/u/{folder}")))
 
 
-with Kestro({"agentsEnabled": True, "dockMagnification": True}) as kestro:
+def limits(five_hours, week, percent, **names):
+    """The two windows as an agent tells them, resetting in two hours and in three days."""
+    ends = [time.time() + 7500, time.time() + 3.5 * 86400]
+    return {key: {percent: used, "resets_at": end, "window_minutes": minutes}
+            for (key, used, end, minutes) in zip(names.values(), [five_hours, week], ends, [300, 10080])}
+
+
+log = HOME / ".codex" / "sessions" / "log.jsonl"
+log.parent.mkdir(parents=True)
+codex = {"rate_limits": limits(64, 22, "used_percent", short="primary", long="secondary")}
+log.write_text(json.dumps({"payload": codex}) + "\n")
+with Kestro({"agentsEnabled": True, "limitsEnabled": True, "dockMagnification": True}) as kestro:
     wait_for(lambda: CLAUDE.exists() and CODEX.exists())
+    status = {"rate_limits": limits(28, 41, "used_percentage", short="five_hour", long="seven_day")}
+    run_as_agent(json.loads(CLAUDE.read_text())["statusLine"]["command"], json.dumps(status))
     tell(CLAUDE, "PermissionRequest", "1", "kestro")
     tell(CODEX, "UserPromptSubmit", "2", "tide-tables")
     tell(CLAUDE, "Stop", "3", "field-notes")
     pointer = Pointer()
     pointer.glide(*kestro.tree.wait("button", "AI").frame.middle)
     kestro.tree.wait(name="field-notes, Done, now")
-    whole = previous = None
-    while previous is None or previous != whole:  # until nothing fades or grows any more
-        previous, whole = whole, picture("dock").read_bytes()
-    subprocess.run(["convert", "build/pictures/dock.png", "-crop", "640x400+640+200", "+repage", "-strip",
-                    "docs/pictures/dock.png"], check=True)
+    kestro.tree.wait("list item", lambda name: name.startswith("Claude, 5h"))
+
+    def keep(name, crop):
+        whole = previous = None
+        while previous is None or previous != whole:  # until nothing fades or grows any more
+            previous, whole = whole, picture(name).read_bytes()
+        subprocess.run(["convert", f"build/pictures/{name}.png", "-crop", crop, "+repage", "-strip",
+                        f"docs/pictures/{name}.png"], check=True)
+        print(f"docs/pictures/{name}.png")
+
+    keep("dock", "640x400+640+200")
+    pointer.click()
+    kestro.tree.wait("heading", "Usage limits")
+    pointer.glide(60, 60)
+    frame = max((frame for _, frame in windows(kestro.pid)), key=lambda each: each.width)
+    keep("ai-window", f"{frame.width}x{frame.height}+{frame.x}+{frame.y}")
 PYTHON
 )
 GEOM=1280x800 Tests/Desktop/desk /usr/bin/python3 -B -W ignore -c "$dock"
-echo "docs/pictures/dock.png"
 
 settings=$(
     cat <<'PYTHON'

@@ -1,29 +1,50 @@
 import QtQuick
 import Kestro.Style
 
-/// A session in one line: agent, project, state, age.
-Item {
+/// A session in one line: agent, project, state, age. Pressed it asks for the way back to where it runs. Its highlight
+/// has 8 points on either side of what is written.
+Pressable {
     id: row
 
+    required property string sessionId
     required property string agentSymbol
     required property string project
     required property string stateWord
     required property string stateName
     required property string ago
+    required property string lostWay ///< why it could not be gone to; mostly empty
+    property bool selected: false ///< by the keyboard
 
     readonly property string shownProject: project === "" ? "–" : project
 
+    signal raise(string sessionId)
+
     implicitHeight: Theme.rowHeight
     implicitWidth: 320
+    label: shownProject + ", " + stateWord + ", " + ago
+    role: Accessible.ListItem
+    // The list has the keyboard.
+    activeFocusOnTab: false
+    onPressed: raise(sessionId)
 
-    Accessible.role: Accessible.ListItem
-    Accessible.name: shownProject + ", " + stateWord + ", " + ago
+    Keys.enabled: false
+
+    Accessible.description: lostWay
     Accessible.ignored: !visible
+    Accessible.selectable: true
+    Accessible.selected: selected
 
+    Rectangle {
+        anchors.fill: parent
+        z: -1
+        radius: 6
+        visible: row.hovered || row.selected
+        color: row.down ? Theme.line : Theme.hover
+    }
     Symbol {
         id: icon
 
-        anchors { left: parent.left; verticalCenter: parent.verticalCenter }
+        anchors { left: parent.left; leftMargin: 8; verticalCenter: parent.verticalCenter }
         name: row.agentSymbol
         size: 16
         color: Theme.secondaryInk
@@ -32,12 +53,20 @@ Item {
         anchors {
             left: icon.right
             leftMargin: 8
-            right: word.left
+            right: lost.left
             rightMargin: 12
             baseline: word.baseline
         }
         text: row.shownProject
         elide: Text.ElideMiddle
+    }
+    Label {
+        id: lost
+
+        anchors { right: word.left; rightMargin: text === "" ? 0 : 12; baseline: word.baseline }
+        text: row.lostWay
+        font: Theme.captionFont
+        color: Theme.secondaryInk
     }
     Label {
         id: word
@@ -52,7 +81,7 @@ Item {
     Figures {
         id: age
 
-        anchors { right: parent.right; baseline: word.baseline }
+        anchors { right: parent.right; rightMargin: 8; baseline: word.baseline }
         // Wide enough for the longest, so that the column of states stands still.
         width: 64
         alignRight: true

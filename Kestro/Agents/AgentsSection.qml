@@ -1,9 +1,47 @@
 import QtQuick
 import Kestro.Style
 
-/// The pane of the agents: whether their sessions are shown, and whose.
+/// The pane of the agents: whose sessions are shown, their limits, and whether their hooks work.
 Pane {
     id: pane
+
+    readonly property var health: model.agentHealth
+
+    // What went wrong with the section above.
+    component Errors: Column {
+        property alias lines: messages.model
+
+        x: Theme.horizontalPadding
+        width: pane.width - 2 * (pane.margins + x)
+        visible: messages.count > 0
+
+        Repeater {
+            id: messages
+
+            Caption {
+                required property string modelData
+
+                width: parent.width
+                text: modelData
+                warning: true
+            }
+        }
+    }
+
+    Component.onCompleted: health.refresh()
+    onVisibleChanged: if (visible) health.refresh()
+
+    Connections {
+        target: pane.model
+
+        function onSwitchesChanged() { pane.health.refresh() }
+    }
+    Timer {
+        interval: 60000
+        repeat: true
+        running: pane.visible
+        onTriggered: pane.health.refresh()
+    }
 
     Section {
         footer: "Adds a hook to ~/.claude/settings.json, ~/.codex/hooks.json and ~/.cursor/hooks.json (a backup is "
@@ -58,16 +96,54 @@ Pane {
             }
         }
     }
-    Repeater {
-        model: pane.model.agentErrorLines
+    Errors {
+        lines: pane.model.agentErrorLines
+    }
+    Section {
+        footer: "Codex limits are read from ~/.codex/sessions. For Claude Code, the statusLine command in "
+            + "~/.claude/settings.json is wrapped by a Kestro script (a backup is saved next to it) that passes the "
+            + "status data to Kestro, which reads only the rate limits, and then runs your original command — your "
+            + "status line looks exactly the same. Turning this off restores it."
 
-        Caption {
-            required property string modelData
+        SettingRow {
+            label: limits.label
 
-            x: Theme.horizontalPadding
-            width: pane.width - 2 * (pane.margins + x)
-            text: modelData
-            warning: true
+            Toggle {
+                id: limits
+
+                label: "Show Claude Code & Codex plan limits"
+                checked: pane.model.limitsEnabled
+                onToggled: on => pane.model.limitsEnabled = on
+            }
+        }
+    }
+    Errors {
+        lines: pane.model.limitErrorLines
+    }
+    Section {
+        title: "Hooks"
+
+        Repeater {
+            model: [{ agent: "claude", name: "Claude Code" }, { agent: "codex", name: "Codex" },
+                { agent: "cursor", name: "Cursor" }]
+
+            AgentHealthRow {
+                required property var modelData
+
+                health: pane.health
+                agent: modelData.agent
+                name: modelData.name
+            }
+        }
+        SettingRow {
+            label: "Hooks and socket"
+            caption: "Writes the hooks again and opens the socket anew."
+
+            PushButton {
+                label: "Repair"
+                enabled: pane.health.repairable
+                onPressed: pane.health.repair()
+            }
         }
     }
 }

@@ -1,5 +1,6 @@
 #include "Kestro/Application/AppModel.h"
 
+#include "Kestro/Platform/PeerInspector.h"
 #include "Kestro/Platform/PreferenceStore.h"
 #include "KestroCore/Agents/HookInstaller.h"
 #include "KestroCore/Support/StorageError.h"
@@ -23,20 +24,29 @@ void AppModel::adoptCursorDefault()
         turn(FeatureSwitch::cursor, true);
 }
 
+bool AppModel::isWatched(Agent agent) const
+{
+    switch (agent) {
+    case Agent::claude:
+        return agentsEnabled() && isOn(FeatureSwitch::claude);
+    case Agent::codex:
+        return agentsEnabled() && isOn(FeatureSwitch::codex);
+    case Agent::cursor:
+        return agentsEnabled() && isOn(FeatureSwitch::cursor) && cursorInstalled();
+    }
+    Q_UNREACHABLE();
+}
+
 void AppModel::applyAgents()
 {
     m_agentErrors.clear();
-    const auto apply = [this](Agent agent, bool wanted) {
+    for (const Agent agent : allAgents) {
         try {
-            HookInstaller::apply(agentsEnabled() && wanted, agent, HookInstaller::configURL(agent, m_folders.home));
+            HookInstaller::apply(isWatched(agent), agent, HookInstaller::configURL(agent, m_folders.home));
         } catch (const StorageError& error) {
             m_agentErrors.append(error.description());
         }
-    };
-    apply(Agent::claude, isOn(FeatureSwitch::claude));
-    apply(Agent::codex, isOn(FeatureSwitch::codex));
-    apply(Agent::cursor, isOn(FeatureSwitch::cursor) && cursorInstalled());
-
+    }
     const QString failure = syncSocket();
     if (agentsEnabled() && !failure.isEmpty())
         m_agentErrors.append(failure);
@@ -55,13 +65,14 @@ QString AppModel::syncSocket()
     }
     if (m_socket)
         return {};
-    MainLoop& loop = m_platform.loop;
-    const QPointer<AppModel> model(this);
-    auto socket = std::make_unique<AgentSocket>(
-        m_folders.data + QStringLiteral("/agents.sock"), [&loop, model](const SocketMessage& message) {
-            loop.post([model, message] {
+    auto socket = std::make_unique<AgentSocket>(m_folders.data + QStringLiteral("/agents.sock"),
+        [&loop = m_platform.loop, &peers = m_platform.peers, model = QPointer(this)](
+            const SocketMessage& message, int connection) {
+            // While its connection is open the hook lives, and with it the way up to its agent.
+            const HookOrigin origin = message.event() ? peers.peer(connection) : HookOrigin();
+            loop.post([model, message, origin] {
                 if (model)
-                    model->handle(message);
+                    model->handle(message, origin);
             });
         });
     try {
@@ -73,18 +84,48 @@ QString AppModel::syncSocket()
     return {};
 }
 
-void AppModel::handle(const SocketMessage& message)
+void AppModel::handle(const SocketMessage& message, const HookOrigin& origin)
 {
-    if (const AgentEvent* event = message.event()) {
-        if (!agentsEnabled())
-            return;
-        m_now = m_platform.loop.now();
-        m_store.apply(*event, m_now);
-        sessionsChanged();
-    } else if (const AgentLimits* limits = message.claudeLimits()) {
-        if (isOn(FeatureSwitch::limits))
-            m_claudeLimits = *limits;
+    if (const AgentEvent* event = message.event())
+        handle(*event, origin);
+    else if (const AgentLimits* limits = message.claudeLimits())
+        setClaudeLimits(*limits);
+}
+
+void AppModel::handle(const AgentEvent& event, const HookOrigin& origin)
+{
+    m_now = m_platform.loop.now();
+    m_agentHealth.heard(event, m_now);
+    // Cursor runs Claude's hooks as well as its own: one conversation would be two sessions.
+    if (!agentsEnabled() || (event.fromCursor && isWatched(Agent::cursor)))
+        return;
+    m_store.apply(event, m_now);
+    if (const auto session = m_store.sessions.find(event.sessionID); session != m_store.sessions.end()) {
+        m_agentProcesses.heard(event.sessionID, origin);
+        m_wayBack.heard(event, origin, session->second);
     }
+    sessionsChanged();
+    if (event.agent == Agent::codex && event.name == QLatin1String("Stop") && isOn(FeatureSwitch::limits))
+        refreshCodexLimits();
+}
+
+void AppModel::agentEnded(const QString& id)
+{
+    m_now = m_platform.loop.now();
+    m_store.sessions.erase(id);
+    sessionsChanged();
+}
+
+void AppModel::raiseSession(const QString& id)
+{
+    if (const auto session = m_store.sessions.find(id); session != m_store.sessions.end())
+        m_wayBack.raise(session->second);
+}
+
+void AppModel::raiseWaitingAgent()
+{
+    if (const auto waiting = m_wayBack.longestWaiting())
+        raiseSession(*waiting);
 }
 
 void AppModel::tick()
@@ -96,15 +137,35 @@ void AppModel::tick()
 
 void AppModel::sessionsChanged()
 {
+    // What is known beside a session goes with it, whichever way it went.
+    const auto lives = [this](const QString& id) { return m_store.sessions.contains(id); };
+    m_agentProcesses.keep(lives);
+    m_wayBack.keep(lives);
     // Without sessions there is nothing to age, so the ticker sleeps.
     if (m_store.sessions.empty())
         m_ticker.cancel();
     else if (!m_ticker)
         m_ticker = m_platform.loop.every(1.0, [this] { tick(); });
-    if (m_expanded)
-        m_sessionRows.show(m_store.sorted(), m_now);
+    showSessions();
     Q_EMIT agentsChanged();
     Q_EMIT changed();
+}
+
+void AppModel::showSessions()
+{
+    if (sessionsAreSeen())
+        m_sessionRows.show(m_store.sorted(), m_now, m_wayBack.lost());
+}
+
+std::shared_ptr<void> AppModel::watchSessions()
+{
+    auto watch = m_sessionsWatch.lock();
+    if (!watch) {
+        watch = std::make_shared<bool>();
+        m_sessionsWatch = watch;
+        showSessions();
+    }
+    return watch;
 }
 
 std::optional<AgentState> AppModel::agentBadge() const

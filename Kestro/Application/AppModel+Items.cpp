@@ -61,18 +61,36 @@ void AppModel::syncWidgetItem(WidgetKind kind)
 
 void AppModel::click(const LaunchItem& item)
 {
-    if (const auto kind = item.widget())
-        setSelectedWidget(*kind);
-    else
+    const auto kind = item.widget();
+    if (!kind)
         m_launcher.open(item);
+    else if (hasWindow(*kind))
+        openWindow(*kind);
+    else
+        setSelectedWidget(*kind);
 }
 
 void AppModel::perform(const LaunchItem& item)
 {
-    if (const auto kind = item.widget())
-        showCard(*kind);
-    else
+    const auto kind = item.widget();
+    if (!kind)
         m_launcher.open(item);
+    else if (hasWindow(*kind))
+        openWindow(*kind);
+    else
+        showCard(*kind);
+}
+
+bool AppModel::shownWidgetHasWindow() const
+{
+    const auto kind = shownWidget();
+    return kind && hasWindow(*kind);
+}
+
+void AppModel::openShownWindow()
+{
+    if (const auto kind = shownWidget(); kind && hasWindow(*kind))
+        openWindow(*kind);
 }
 
 } // namespace kestro

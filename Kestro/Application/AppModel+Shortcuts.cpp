@@ -17,6 +17,8 @@ ShortcutTable AppModel::shortcutAssignments() const
     }
     if (m_openNotchShortcut)
         table.emplace(ShortcutOwner::openNotch(), *m_openNotchShortcut);
+    if (m_waitingAgentShortcut)
+        table.emplace(ShortcutOwner::waitingAgent(), *m_waitingAgentShortcut);
     return table;
 }
 
@@ -35,13 +37,13 @@ QString AppModel::shortcutName(const ShortcutOwner& owner) const
     }
     if (const auto mode = owner.captureMode())
         return label(*mode) + QStringLiteral(" capture");
-    return QStringLiteral("Open / close notch");
+    return owner.isWaitingAgent() ? QStringLiteral("Go to the waiting agent") : QStringLiteral("Open / close notch");
 }
 
 bool AppModel::isShortcutActive(const ShortcutOwner& owner) const
 {
     const auto id = owner.launchItemId();
-    return owner.isOpenNotch() || (id && isItemShortcutActive(*id));
+    return owner.isOpenNotch() || (owner.isWaitingAgent() && agentsEnabled()) || (id && isItemShortcutActive(*id));
 }
 
 bool AppModel::isItemShortcutActive(const QUuid& id) const
@@ -54,6 +56,8 @@ void AppModel::performShortcut(const ShortcutOwner& owner)
 {
     if (owner.isOpenNotch())
         return toggleNotch();
+    if (owner.isWaitingAgent())
+        return raiseWaitingAgent();
     const auto id = owner.launchItemId();
     const LaunchItem* item = id ? m_launcher.store().item(*id) : nullptr;
     if (item)
@@ -105,6 +109,10 @@ void AppModel::storeShortcut(const std::optional<KeyCombo>& combo, const Shortcu
         m_openNotchShortcut = combo;
         prefs::openNotchShortcut.write(m_platform.preferences, KeyCombo::encodeStored(combo));
     }
+    if (owner.isWaitingAgent()) {
+        m_waitingAgentShortcut = combo;
+        prefs::waitingAgentShortcut.write(m_platform.preferences, KeyCombo::encodeStored(combo));
+    }
     Q_EMIT shortcutsChanged();
 }
 
@@ -147,11 +155,14 @@ void AppModel::registerShortcuts()
 
 void AppModel::readShortcuts()
 {
-    const auto stored =
+    const auto openNotch =
         KeyCombo::decodeStored(prefs::openNotchShortcut.read(m_platform.preferences), KeyCombo::openNotchDefault);
-    if (stored == m_openNotchShortcut)
+    const auto waitingAgent =
+        KeyCombo::decodeStored(prefs::waitingAgentShortcut.read(m_platform.preferences), std::nullopt);
+    if (openNotch == m_openNotchShortcut && waitingAgent == m_waitingAgentShortcut)
         return;
-    m_openNotchShortcut = stored;
+    m_openNotchShortcut = openNotch;
+    m_waitingAgentShortcut = waitingAgent;
     syncShortcuts();
 }
 

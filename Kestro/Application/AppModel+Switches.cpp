@@ -22,9 +22,7 @@ void AppModel::turn(FeatureSwitch feature, bool on)
         syncWidgetItem(WidgetKind::ai);
         break;
     case FeatureSwitch::limits:
-        syncSocket();
-        if (!on)
-            m_claudeLimits.reset();
+        applyLimits();
         syncWidgetItem(WidgetKind::ai);
         break;
     case FeatureSwitch::music:

@@ -20,11 +20,24 @@ AppModel::AppModel(const Platform& platform, Folders folders)
           m_folders.caches + QStringLiteral("/favicons"))
     , m_openNotchShortcut(
           KeyCombo::decodeStored(prefs::openNotchShortcut.read(platform.preferences), KeyCombo::openNotchDefault))
+    , m_waitingAgentShortcut(
+          KeyCombo::decodeStored(prefs::waitingAgentShortcut.read(platform.preferences), std::nullopt))
     , m_hotKeys(platform.hotKeys, platform.log)
     , m_statsCard(platform.preferences)
+    , m_agentHealth(platform, m_folders.home, m_folders.data + QStringLiteral("/agents.sock"))
+    , m_agentProcesses(platform.peers, platform.loop, [this](const QString& id) { agentEnded(id); })
+    , m_wayBack(platform)
 {
     for (std::size_t each = 0; each < featureSwitchCount; ++each)
         m_on[each] = switchKey(FeatureSwitch(each)).read(platform.preferences);
+    m_agentHealth.repairAll = [this] {
+        m_socket.reset();
+        applyAgents();
+        if (isOn(FeatureSwitch::limits))
+            applyLimits();
+    };
+    m_agentHealth.isWanted = [this](Agent agent) { return isWatched(agent); };
+    connect(&m_wayBack, &WayBack::lostChanged, this, &AppModel::showSessions);
     connect(&m_hotKeys, &HotKeyCenter::keyboardChanged, this, &AppModel::registerShortcuts);
     connect(&m_launcher, &LauncherModel::storeChanged, this, [this] {
         syncShortcuts();
@@ -46,8 +59,8 @@ void AppModel::start()
         syncWidgetItem(kind);
     if (isOn(FeatureSwitch::agents))
         applyAgents();
-    else if (isOn(FeatureSwitch::limits))
-        syncSocket();
+    if (isOn(FeatureSwitch::limits))
+        applyLimits();
     m_started = true;
     registerShortcuts();
     connect(&m_platform.preferences, &PreferenceStore::changed, this, &AppModel::preferencesChanged);
@@ -102,10 +115,13 @@ QString AppModel::shownWidgetName() const
 double AppModel::cardBodyHeight(WidgetKind kind) const
 {
     constexpr double row = 24;
+    constexpr double divider = 9;
     switch (kind) {
     case WidgetKind::ai: {
-        const auto rows = agentsEnabled() ? std::clamp<qsizetype>(qsizetype(m_store.sessions.size()), 1, 4) : 1;
-        return row * double(m_agentErrors.size() + rows);
+        const qsizetype sessions = std::clamp<qsizetype>(qsizetype(m_store.sessions.size()), 1, 4);
+        const qsizetype agents = agentsEnabled() ? m_agentErrors.size() + sessions : 0;
+        const qsizetype limits = limitsEnabled() ? m_limitErrors.size() + 2 : 0;
+        return row * double(agents + limits) + (agents > 0 && limits > 0 ? divider : 0);
     }
     case WidgetKind::stats:
     default:
@@ -127,10 +143,14 @@ void AppModel::setExpanded(bool expanded)
     if (m_expanded == expanded)
         return;
     m_expanded = expanded;
-    if (!expanded)
+    if (expanded) {
+        showSessions();
+        startLimitsTimer();
+        Q_EMIT limitsChanged(); // the rows tell the time that is left
+    } else {
+        m_limitsTimer.cancel();
         setSelectedWidget(std::nullopt);
-    else
-        m_sessionRows.show(m_store.sorted(), m_now);
+    }
     syncStats();
     Q_EMIT expandedChanged();
     Q_EMIT changed();

@@ -51,6 +51,7 @@ AppDelegate::AppDelegate(const Platform& platform, const Folders& folders)
         [this] { m_theme.setComposited(m_platform.panels.isComposited()); });
     m_theme.install(m_engine);
     m_model.openSettings = [this] { showSettings(); };
+    m_model.openWindow = [this](WidgetKind kind) { showWindow(kind); };
     connect(&platform.statusItem, &StatusItem::activated, this, &AppDelegate::showSettings);
     connect(&platform.statusItem, &StatusItem::menuRequested, this, &AppDelegate::openTrayMenu);
 }
@@ -93,6 +94,17 @@ void AppDelegate::showSettings()
     if (!m_settings)
         m_settings = std::make_unique<SettingsWindow>(m_model, m_engine, [this] { leave(std::move(m_settings)); });
     m_settings->bringToFront();
+}
+
+void AppDelegate::showWindow(WidgetKind kind)
+{
+    if (kind != WidgetKind::ai)
+        return;
+    if (m_sidebar)
+        m_sidebar->giveWay();
+    if (!m_aiWindow)
+        m_aiWindow = std::make_unique<AIWindow>(m_model, m_engine, [this] { leave(std::move(m_aiWindow)); });
+    m_aiWindow->bringToFront();
 }
 
 void AppDelegate::leave(std::unique_ptr<QWindow> window)

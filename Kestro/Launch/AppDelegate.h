@@ -3,6 +3,7 @@
 #include "Kestro/Application/AppModel.h"
 #include "Kestro/Settings/SettingsWindow.h"
 #include "Kestro/Style/Theme.h"
+#include "Kestro/Surfaces/AIWindow.h"
 #include "Kestro/Surfaces/NotchPanelController.h"
 #include "Kestro/Surfaces/SidebarController.h"
 #include "KestroCore/Layout/DisplayMode.h"
@@ -34,6 +35,7 @@ public:
 
 private:
     void applyDisplayMode();
+    void showWindow(WidgetKind kind);
     void showStatusItem();
     QList<MenuEntry> trayMenu();
     void openTrayMenu(QPointF at);
@@ -47,6 +49,7 @@ private:
     std::unique_ptr<SidebarController> m_sidebar;
     std::optional<DisplayMode> m_mode;
     std::unique_ptr<SettingsWindow> m_settings; ///< there while it is open
+    std::unique_ptr<AIWindow> m_aiWindow; ///< there while it is open
     std::unique_ptr<ItemMenu> m_trayMenu; ///< there while it is open
     std::vector<std::unique_ptr<QWindow>> m_leaving; ///< closed, and about to be destroyed
     WorkItem m_leaveWork;

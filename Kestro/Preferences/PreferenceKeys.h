@@ -81,6 +81,7 @@ inline constexpr Preference<bool> hapticsEnabled{ Key("hapticsEnabled"), true };
 
 // Shortcuts: KeyCombo::decodeStored reads them, since their fallbacks are combinations.
 inline constexpr OptionalData openNotchShortcut{ Key("openNotchShortcut") };
+inline constexpr OptionalData waitingAgentShortcut{ Key("waitingAgentShortcut") };
 inline constexpr OptionalData clipboardShortcut{ Key("clipboardShortcut") };
 inline constexpr PreferenceFamily<std::optional<QByteArray>> captureShortcut{ Key(
     "captureShortcut.") }; ///< by capture mode

@@ -171,7 +171,7 @@ Pane {
 
         SettingRow {
             label: liveTiles.label
-            caption: "Takes effect with the first widget that has one."
+            caption: "The AI tile shows how much of the five-hour limit is used."
 
             Toggle {
                 id: liveTiles

@@ -25,10 +25,12 @@ const QList<PaneEntry>& settingsPanes()
                 QStringLiteral("Add Divider move up down remove order") } },
         { SettingsPane::agents, QStringLiteral("Agents"), symbols::sparkle, QStringLiteral("Agents/AgentsSection"),
             { QStringLiteral("AI activity hooks"), QStringLiteral("Claude Code"), QStringLiteral("Codex"),
-                QStringLiteral("Cursor") } },
+                QStringLiteral("Cursor"), QStringLiteral("Plan usage limits status line"),
+                QStringLiteral("Hooks test repair health") } },
         { SettingsPane::shortcuts, QStringLiteral("Shortcuts"), symbols::command,
             QStringLiteral("Settings/ShortcutsPane"),
-            { QStringLiteral("Keyboard hot keys combination record"), QStringLiteral("Open / close notch or dock") } },
+            { QStringLiteral("Keyboard hot keys combination record"), QStringLiteral("Open / close notch or dock"),
+                QStringLiteral("Go to the waiting agent") } },
     };
     return panes;
 }

@@ -26,6 +26,7 @@ struct Glyph {
 // The build reads the file names from this table, and compiles in those and no others.
 constexpr Glyph table[] = {
     { app, "app.svg" },
+    { arrowsApart, "arrows-angle-expand.svg" },
     { arrowUpRight, "arrow-up-right.svg" },
     { battery75Percent, "battery.svg", 1, drawings::batteryCharge },
     { boltFill, "lightning-fill.svg" },

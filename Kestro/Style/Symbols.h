@@ -15,6 +15,7 @@ class QPainter;
 namespace kestro::symbols {
 
 inline constexpr QLatin1StringView app("app"); ///< an application without an icon
+inline constexpr QLatin1StringView arrowsApart("arrow.up.left.and.arrow.down.right");
 inline constexpr QLatin1StringView arrowUpRight("arrow.up.right");
 inline constexpr QLatin1StringView battery75Percent("battery.75percent");
 inline constexpr QLatin1StringView boltFill("bolt.fill");
@@ -81,6 +82,7 @@ class Symbols : public QObject {
     QML_ELEMENT
     QML_SINGLETON
     Q_PROPERTY(QString app MEMBER app CONSTANT FINAL)
+    Q_PROPERTY(QString arrowsApart MEMBER arrowsApart CONSTANT FINAL)
     Q_PROPERTY(QString arrowUpRight MEMBER arrowUpRight CONSTANT FINAL)
     Q_PROPERTY(QString boltFill MEMBER boltFill CONSTANT FINAL)
     Q_PROPERTY(QString checkmark MEMBER checkmark CONSTANT FINAL)
@@ -104,6 +106,7 @@ public:
 
 private:
     const QString app = symbols::app;
+    const QString arrowsApart = symbols::arrowsApart;
     const QString arrowUpRight = symbols::arrowUpRight;
     const QString boltFill = symbols::boltFill;
     const QString checkmark = symbols::checkmark;

@@ -33,6 +33,7 @@ void TileItem::setImage(const QImage& image) { change(&TileLook::image, image); 
 void TileItem::setFramed(bool framed) { change(&TileLook::framed, framed); }
 void TileItem::setMonochrome(bool monochrome) { change(&TileLook::monochrome, monochrome); }
 void TileItem::setDark(bool dark) { change(&TileLook::dark, dark); }
+void TileItem::setShare(qreal share) { change(&TileLook::share, share); }
 
 void TileItem::setRestSize(qreal size)
 {

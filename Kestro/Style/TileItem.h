@@ -17,6 +17,7 @@ class TileItem : public kestro::PictureItem {
     Q_PROPERTY(bool framed READ isFramed WRITE setFramed NOTIFY lookChanged FINAL)
     Q_PROPERTY(bool monochrome READ isMonochrome WRITE setMonochrome NOTIFY lookChanged FINAL)
     Q_PROPERTY(bool dark READ isDark WRITE setDark NOTIFY lookChanged FINAL)
+    Q_PROPERTY(qreal share READ share WRITE setShare NOTIFY lookChanged FINAL)
     Q_PROPERTY(qreal restSize READ restSize WRITE setRestSize NOTIFY restSizeChanged FINAL)
 public:
     explicit TileItem(QQuickItem* parent = nullptr);
@@ -33,6 +34,10 @@ public:
     void setMonochrome(bool monochrome);
     bool isDark() const { return m_look.dark; }
     void setDark(bool dark);
+
+    /// What the tile's ring shows, 0 to 1; below 0 it has none.
+    qreal share() const { return m_look.share; }
+    void setShare(qreal share);
 
     /// The side at which the tile stands still and is crisp; 0 if that is whatever side it has.
     qreal restSize() const { return m_restSize; }

@@ -16,6 +16,9 @@ namespace {
 constexpr qreal radiusShare = 0.24;
 constexpr qreal glyphShare = 0.54;
 constexpr qreal siteIconShare = 0.62;
+constexpr qreal ringShare = 0.62; // to the outside of its line
+constexpr qreal ringLineShare = 0.1;
+constexpr qreal ringGlyphShare = 0.26;
 
 struct Tones {
     QLatin1StringView kind;
@@ -97,6 +100,23 @@ void drawCentred(QPainter& painter, const QImage& image, int whole, int side)
     painter.drawImage((whole - scaled.width()) / 2, (whole - scaled.height()) / 2, scaled);
 }
 
+/// From the top, clockwise.
+void drawRing(QPainter& painter, int side, double share, QColor ink)
+{
+    constexpr int quarterTurn = 90 * 16;
+    const qreal line = std::max(2.0, side * ringLineShare);
+    const qreal inset = (side - side * ringShare + line) / 2;
+    const QRectF ring = QRectF(0, 0, side, side).adjusted(inset, inset, -inset, -inset);
+    QColor track = ink;
+    track.setAlphaF(0.3F);
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(track, line));
+    painter.drawEllipse(ring);
+    painter.setPen(QPen(ink, line, Qt::SolidLine, Qt::RoundCap));
+    if (const int length = qRound(-4 * quarterTurn * std::min(share, 1.0)); length != 0)
+        painter.drawArc(ring, quarterTurn, length);
+}
+
 QImage render(const TileLook& look, int side)
 {
     QImage picture(side, side, QImage::Format_ARGB32_Premultiplied);
@@ -111,12 +131,16 @@ QImage render(const TileLook& look, int side)
     drawBody(painter, side, colors);
     if (!look.image.isNull()) {
         drawCentred(painter, look.image, side, centredSide(side, siteIconShare));
-    } else if (!look.symbol.isEmpty()) {
-        const int glyph = centredSide(side, glyphShare);
-        const bool darkGlyph = look.monochrome && !look.dark;
+        return picture;
+    }
+    const QColor ink = look.monochrome && !look.dark ? QColor(0x3A, 0x3A, 0x3E) : QColor(Qt::white);
+    const bool ringed = look.share >= 0;
+    if (ringed)
+        drawRing(painter, side, look.share, ink);
+    if (!look.symbol.isEmpty()) {
+        const int glyph = centredSide(side, ringed ? ringGlyphShare : glyphShare);
         const int at = (side - glyph) / 2;
-        painter.drawImage(
-            at, at, symbols::picture(look.symbol, glyph, darkGlyph ? QColor(0x3A, 0x3A, 0x3E) : QColor(Qt::white)));
+        painter.drawImage(at, at, symbols::picture(look.symbol, glyph, ink));
     }
     return picture;
 }
@@ -129,7 +153,8 @@ struct Key {
 
 size_t qHash(const Key& key, size_t seed = 0)
 {
-    return qHashMulti(seed, key.look.kind, key.look.symbol, key.look.image.cacheKey(), key.side, key.look.dark);
+    return qHashMulti(
+        seed, key.look.kind, key.look.symbol, key.look.image.cacheKey(), key.side, key.look.dark, key.look.share);
 }
 
 } // namespace

@@ -14,11 +14,12 @@ struct TileLook {
     bool framed = false; ///< the image stands on a neutral tile of ours instead of being the tile
     bool monochrome = false;
     bool dark = false;
+    double share = -1; ///< 0 to 1, which a ring shows about the glyph; below 0 there is none
 
     bool operator==(const TileLook& other) const
     {
         return kind == other.kind && symbol == other.symbol && image.cacheKey() == other.image.cacheKey()
-            && framed == other.framed && monochrome == other.monochrome && dark == other.dark;
+            && framed == other.framed && monochrome == other.monochrome && dark == other.dark && share == other.share;
     }
 };
 

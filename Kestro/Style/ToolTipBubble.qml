@@ -1,12 +1,13 @@
 import QtQuick
 import Kestro.Style
 
-/// The name of what the pointer rests on; the content of a panel of its own.
+/// What is said of the thing that the pointer rests on; the content of a panel of its own.
 SurfaceItem {
-    property alias text: label.text
+    id: bubble
 
-    // A name is read at a glance; a longer one is cut.
-    implicitWidth: Math.min(360, Math.ceil(label.implicitWidth) + 20)
+    property string text: ""
+
+    implicitWidth: Math.ceil(label.width) + 20
     implicitHeight: Math.max(26, Math.ceil(label.implicitHeight) + 10)
     radius: 8
     fill: Theme.card
@@ -16,11 +17,23 @@ SurfaceItem {
     Accessible.role: Accessible.ToolTip
     Accessible.name: text
 
+    // How wide it would like to be, which a text that is broken into lines does not tell.
+    Label {
+        id: measure
+
+        visible: false
+        text: bubble.text
+        font: Theme.captionFont
+    }
     Label {
         id: label
 
         anchors.centerIn: parent
-        width: Math.min(implicitWidth, parent.width - 16)
+        width: Math.min(320, Math.ceil(measure.implicitWidth))
+        text: bubble.text
         font: Theme.captionFont
+        wrapMode: Text.Wrap
+        // Read at a glance; what is longer is cut.
+        maximumLineCount: 6
     }
 }

@@ -2,6 +2,7 @@
 
 #include "Kestro/Application/AppModel.h"
 #include "Kestro/Style/SurfaceShape.h"
+#include "Kestro/Surfaces/ToolTip.h"
 #include "KestroCore/Support/Geometry.h"
 
 namespace kestro {
@@ -25,10 +26,11 @@ QPointF slideFrom(SidebarEdge edge)
 
 } // namespace
 
-CardPanel::CardPanel(AppModel& model, QQmlEngine& engine, Panels& panels, const Screens& screens)
-    : m_panel(panels, screens)
+CardPanel::CardPanel(AppModel& model, QQmlEngine& engine, ToolTip& toolTips)
+    : m_panel(model.platform().panels, model.platform().screens)
     , m_host(m_panel, engine, QStringLiteral("SidebarCardView"),
           { { QStringLiteral("model"), QVariant::fromValue(&model) },
+              { QStringLiteral("toolTips"), QVariant::fromValue(&toolTips) },
               { QStringLiteral("shadowRoom"), NotchPanel::shadowRoom } })
 {
     m_panel.setTitle(QStringLiteral("Kestro Card"));

@@ -9,12 +9,14 @@
 namespace kestro {
 
 class AppModel;
+class ToolTip;
 
 /// The card beside the dock: its window, and its way in. The window is larger than the card by the room for its
 /// shadow, and stands where the card will end up, so that the window manager is asked once and not in every frame.
 class CardPanel final {
 public:
-    CardPanel(AppModel& model, QQmlEngine& engine, Panels& panels, const Screens& screens);
+    /// `toolTips` are for the rows of the card. All must outlive it.
+    CardPanel(AppModel& model, QQmlEngine& engine, ToolTip& toolTips);
 
     /// Shows the card at `target`, in screen coordinates, coming from the side of `edge` if it was hidden.
     void place(const QRectF& target, SidebarEdge edge);

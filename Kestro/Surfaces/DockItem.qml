@@ -10,6 +10,7 @@ Item {
     required property string kind
     required property string symbol
     required property var picture
+    required property real share
     required property string badge
     required property string badgeText
     required property bool isDivider
@@ -49,6 +50,7 @@ Item {
             kind: root.kind
             symbol: root.symbol
             image: root.picture
+            share: root.share
             framed: root.symbol === Symbols.globe
             monochrome: root.dock.monochrome
             restSize: root.dock.iconSize

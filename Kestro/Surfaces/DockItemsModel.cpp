@@ -9,7 +9,7 @@ namespace kestro {
 bool DockItemsModel::Row::looksLike(const Row& other) const
 {
     return item == other.item && name == other.name && badge == other.badge && badgeText == other.badgeText
-        && picture.cacheKey() == other.picture.cacheKey();
+        && share == other.share && picture.cacheKey() == other.picture.cacheKey();
 }
 
 DockItemsModel::DockItemsModel(AppModel& model)
@@ -17,26 +17,28 @@ DockItemsModel::DockItemsModel(AppModel& model)
 {
 }
 
-DockItemsModel::Row DockItemsModel::rowOf(const LaunchItem& item) const
+DockItemsModel::Row DockItemsModel::rowOf(const LaunchItem& item, bool live) const
 {
-    Row row{ item, m_model.launcher().displayName(item), {}, {}, m_model.launcher().icon(item), {} };
+    Row row{ item, m_model.launcher().displayName(item), {}, {}, m_model.launcher().icon(item), -1, {} };
     if (item.widget() == WidgetKind::ai) {
         if (const auto state = m_model.agentBadge()) {
             row.badge = stateName(*state);
             row.badgeText = stateWord(*state);
         }
+        if (live)
+            row.share = m_model.limitsTileShare().value_or(-1);
     }
     return row;
 }
 
-void DockItemsModel::show(const SidebarFrame& frame, SidebarEdge edge)
+void DockItemsModel::show(const SidebarFrame& frame, const SidebarPrefs& prefs)
 {
     const QList<LaunchItem>& items = frame.arrangement.items;
     QList<Row> rows;
     rows.reserve(items.size());
     for (qsizetype i = 0; i < items.size(); ++i) {
-        rows.append(rowOf(items[i]));
-        rows.last().frame = frame.collapsed ? QRectF() : frame.iconRect(i, edge);
+        rows.append(rowOf(items[i], prefs.liveTiles));
+        rows.last().frame = frame.collapsed ? QRectF() : frame.iconRect(i, prefs.edge);
     }
 
     const auto id = [](const Row& row) { return row.item.id; };
@@ -74,6 +76,8 @@ QVariant DockItemsModel::data(const QModelIndex& index, int role) const
         return row.item.symbol();
     case Picture:
         return row.picture;
+    case Share:
+        return row.share;
     case Badge:
         return row.badge;
     case BadgeText:
@@ -89,8 +93,8 @@ QVariant DockItemsModel::data(const QModelIndex& index, int role) const
 
 QHash<int, QByteArray> DockItemsModel::roleNames() const
 {
-    return { { Name, "name" }, { Kind, "kind" }, { Symbol, "symbol" }, { Picture, "picture" }, { Badge, "badge" },
-        { BadgeText, "badgeText" }, { IsDivider, "isDivider" }, { Frame, "frame" } };
+    return { { Name, "name" }, { Kind, "kind" }, { Symbol, "symbol" }, { Picture, "picture" }, { Share, "share" },
+        { Badge, "badge" }, { BadgeText, "badgeText" }, { IsDivider, "isDivider" }, { Frame, "frame" } };
 }
 
 } // namespace kestro

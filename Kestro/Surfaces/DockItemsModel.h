@@ -15,12 +15,12 @@ class DockItemsModel final : public QAbstractListModel {
     Q_OBJECT
     QML_ANONYMOUS
 public:
-    enum Role { Name = Qt::UserRole, Kind, Symbol, Picture, Badge, BadgeText, IsDivider, Frame };
+    enum Role { Name = Qt::UserRole, Kind, Symbol, Picture, Share, Badge, BadgeText, IsDivider, Frame };
 
     explicit DockItemsModel(AppModel& model);
 
-    /// Draws `frame`'s items, standing on `edge`.
-    void show(const SidebarFrame& frame, SidebarEdge edge);
+    /// Draws `frame`'s items.
+    void show(const SidebarFrame& frame, const SidebarPrefs& prefs);
     const LaunchItem& item(int row) const { return m_rows[row].item; }
 
     int rowCount(const QModelIndex& parent = {}) const override;
@@ -32,11 +32,12 @@ private:
         LaunchItem item;
         QString name, badge, badgeText;
         QImage picture;
+        double share; ///< what a live tile's ring shows; below 0 there is none
         QRectF frame;
 
         bool looksLike(const Row& other) const;
     };
-    Row rowOf(const LaunchItem& item) const;
+    Row rowOf(const LaunchItem& item, bool live) const;
 
     AppModel& m_model;
     QList<Row> m_rows;

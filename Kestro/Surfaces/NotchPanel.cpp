@@ -3,6 +3,8 @@
 #include "Kestro/Platform/Panels.h"
 #include "Kestro/Platform/Screens.h"
 
+#include <QCoreApplication>
+
 namespace kestro {
 
 NotchPanel::NotchPanel(Panels& panels, const Screens& screens)
@@ -41,6 +43,14 @@ void NotchPanel::setIgnoresMouseEvents(bool ignores)
 }
 
 void NotchPanel::applyShape() { m_panels.setShape(*this, m_ignoresMouseEvents ? QRegion() : m_shape); }
+
+void NotchPanel::drawNow()
+{
+    if (!isExposed())
+        return;
+    QEvent request(QEvent::UpdateRequest);
+    QCoreApplication::sendEvent(this, &request);
+}
 
 void NotchPanel::orderFront()
 {

@@ -29,6 +29,9 @@ public:
     /// While set, the pointer passes through the painted part too.
     void setIgnoresMouseEvents(bool ignores);
 
+    /// Draws what has changed within the call rather than on a later turn.
+    void drawNow();
+
     void orderFront();
     void orderOut();
 

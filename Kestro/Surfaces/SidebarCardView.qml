@@ -6,6 +6,7 @@ Item {
     id: root
 
     required property var model
+    required property var toolTips
     required property real shadowRoom
 
     // The way in: from `offset` to its place, turning from clear to full.
@@ -30,6 +31,7 @@ Item {
         WidgetCard {
             anchors.fill: parent
             model: root.model
+            toolTips: root.toolTips
         }
     }
 

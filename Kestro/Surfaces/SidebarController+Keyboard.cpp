@@ -1,6 +1,7 @@
 #include "Kestro/Application/AppModel.h"
 #include "Kestro/Platform/Panels.h"
 #include "Kestro/Surfaces/SidebarController.h"
+#include "Kestro/Surfaces/WindowCommand.h"
 
 #include <QCoreApplication>
 #include <QKeyEvent>
@@ -38,23 +39,24 @@ std::optional<Step> stepFor(const QKeyEvent& event, int row, int count)
 
 } // namespace
 
-/// The row of the widget whose card shows, else the first; -1 where there is none.
-int SidebarController::shownRow() const
+/// The row of that widget, else the first; -1 where there is none.
+int SidebarController::rowOf(std::optional<WidgetKind> kind) const
 {
     if (!m_state.frame() || m_state.frame()->arrangement.items.isEmpty())
         return -1;
     const QList<LaunchItem>& items = m_state.frame()->arrangement.items;
-    const auto shown = m_model.shownWidget();
-    const auto found = std::find_if(
-        items.begin(), items.end(), [&](const LaunchItem& item) { return shown && item.widget() == shown; });
+    const auto found =
+        std::find_if(items.begin(), items.end(), [&](const LaunchItem& item) { return kind && item.widget() == kind; });
     return found == items.end() ? 0 : int(found - items.begin());
 }
 
-void SidebarController::takeKeyboard()
+void SidebarController::takeKeyboard(std::optional<WidgetKind> kind)
 {
     m_hasKeyboard = true;
+    m_state.setFocusedRow(rowOf(kind));
+    // This answers the key; the card's window takes its time to be made.
+    m_strip.drawNow();
     m_platform.panels.takeFocus(m_strip);
-    m_state.setFocusedRow(shownRow());
 }
 
 void SidebarController::releaseKeyboard()
@@ -77,12 +79,12 @@ bool SidebarController::keyPressed(const QKeyEvent& event)
 {
     const int count = int(m_state.frame()->arrangement.items.size());
     const int row = m_state.focusedRow();
-    if (event.key() == Qt::Key_Escape) {
-        closeCard();
+    if (const auto command = windowCommand(event)) {
+        run(*command);
         return true;
     }
     if (event.modifiers() & Qt::ControlModifier)
-        return command(event);
+        return false;
     if (count == 0 || row < 0)
         return false;
     if (auto step = stepFor(event, row, count)) {
@@ -110,22 +112,19 @@ bool SidebarController::keyPressed(const QKeyEvent& event)
     }
 }
 
-/// The shortcuts that every window of the program has.
-bool SidebarController::command(const QKeyEvent& event)
+void SidebarController::run(WindowCommand command)
 {
-    switch (event.key()) {
-    case Qt::Key_Comma:
+    switch (command) {
+    case WindowCommand::close:
+        closeCard();
+        break;
+    case WindowCommand::openSettings:
         closeCard();
         m_model.openSettings();
-        return true;
-    case Qt::Key_W:
-        closeCard();
-        return true;
-    case Qt::Key_Q:
+        break;
+    case WindowCommand::quit:
         QCoreApplication::quit();
-        return true;
-    default:
-        return false;
+        break;
     }
 }
 

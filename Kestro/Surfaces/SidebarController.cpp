@@ -28,8 +28,8 @@ SidebarController::SidebarController(AppModel& model, QQmlEngine& engine)
     , m_stripHost(m_strip, engine, QStringLiteral("SidebarDockView"),
           { { QStringLiteral("controller"), QVariant::fromValue(this) },
               { QStringLiteral("dock"), QVariant::fromValue(&m_state) } })
-    , m_card(model, engine, m_platform.panels, m_platform.screens)
     , m_toolTip(m_platform, engine)
+    , m_card(model, engine, m_toolTip)
 {
     m_strip.setTitle(QStringLiteral("Kestro Dock"));
     m_stripHost.onMouse = [this] { mouseMoved(); };
@@ -38,7 +38,7 @@ SidebarController::SidebarController(AppModel& model, QQmlEngine& engine)
     connect(&m_strip, &QWindow::activeChanged, this, [this] {
         // Without the keyboard nothing is marked as having it; what was opened stays.
         if (m_hasKeyboard && !m_menu)
-            m_state.setFocusedRow(m_strip.isActive() ? shownRow() : -1);
+            m_state.setFocusedRow(m_strip.isActive() ? rowOf(m_model.shownWidget()) : -1);
     });
 
     connect(&m_platform.screens, &Screens::changed, this, &SidebarController::layout);
@@ -231,6 +231,21 @@ void SidebarController::closeCard()
     layout();
 }
 
+void SidebarController::giveWay()
+{
+    if (!m_active)
+        return;
+    if (!m_state.frame() || !geometry::contains(m_state.frame()->dock, m_platform.pointer.location())) {
+        closeCard();
+        return;
+    }
+    m_toolTip.hide();
+    m_model.setExpanded(false);
+    m_card.orderOut();
+    releaseKeyboard();
+    layout();
+}
+
 void SidebarController::openPill(std::optional<double> center)
 {
     if (m_state.prefs().visibility != DockVisibility::pill || m_pillOpen)
@@ -255,7 +270,7 @@ void SidebarController::toggle()
         setRevealed(true);
         openPill(std::nullopt);
         m_openedByShortcut = true;
-        takeKeyboard();
+        takeKeyboard(std::nullopt);
     }
 }
 
@@ -267,10 +282,10 @@ void SidebarController::show(WidgetKind kind)
     setRevealed(true);
     openPill(std::nullopt);
     m_openedByShortcut = true;
+    takeKeyboard(kind);
     m_model.setExpanded(true);
     m_model.setSelectedWidget(kind);
     layout();
-    takeKeyboard();
 }
 
 void SidebarController::reloadPrefs(bool force)

@@ -18,6 +18,7 @@ class QQmlEngine;
 namespace kestro {
 
 class AppModel;
+enum class WindowCommand;
 struct Screen;
 
 /// The dock on a screen's edge: the strip with its icons and the card beside it; what the pointer does to them, when
@@ -34,6 +35,8 @@ public:
     void toggle();
     /// Opens the dock with the card of `kind`; it stays until the pointer has come and gone.
     void show(WidgetKind kind);
+    /// Closes the card, since a window with the same has opened. The dock stays while the pointer is on it.
+    void giveWay();
 
     /// For tests.
     const SidebarState& state() const { return m_state; }
@@ -62,11 +65,11 @@ private:
     void menuEnded();
 
     // The keyboard, while a shortcut opened the dock
-    int shownRow() const;
-    void takeKeyboard();
+    int rowOf(std::optional<WidgetKind> kind) const;
+    void takeKeyboard(std::optional<WidgetKind> kind);
     void releaseKeyboard();
     bool keyPressed(const QKeyEvent& event);
-    bool command(const QKeyEvent& event);
+    void run(WindowCommand command);
     void focusRow(int row);
     void openRow(int row);
     void openMenuAt(int row, QPointF point);
@@ -78,8 +81,8 @@ private:
     SidebarState m_state;
     NotchPanel m_strip;
     TrackingHostingView m_stripHost;
-    CardPanel m_card;
     ToolTip m_toolTip;
+    CardPanel m_card;
     std::unique_ptr<ItemMenu> m_menu; ///< there while it is open
     int m_hoveredRow = -1;
     bool m_active = false;

@@ -22,7 +22,7 @@ void SidebarState::setFrame(const SidebarFrame& frame)
         m_frame = frame;
         Q_EMIT frameChanged();
     }
-    m_items.show(frame, m_prefs.edge);
+    m_items.show(frame, m_prefs);
 }
 
 void SidebarState::setRevealed(bool revealed, bool fades)

@@ -8,6 +8,7 @@ Item {
     id: root
 
     required property var model
+    required property var toolTips
     property string kind: model.shownWidget
     readonly property var titles: ({ "stats": "Stats", "ai": "AI" })
     readonly property var symbols: ({ "stats": Symbols.gaugeMedium, "ai": Symbols.sparkle })
@@ -37,6 +38,18 @@ Item {
         }
     }
 
+    HoverButton {
+        anchors { right: parent.right; rightMargin: Theme.horizontalPadding - 5 }
+        y: Theme.verticalPadding + (Theme.headerHeight - height) / 2
+        visible: root.model.shownWidgetHasWindow
+        symbol: Symbols.arrowsApart
+        symbolSize: 13
+        label: "Open " + (root.titles[root.kind] ?? "") + " window"
+        onPressed: root.model.openShownWindow()
+
+        Accessible.ignored: !visible
+    }
+
     Loader {
         anchors.fill: parent
         anchors.margins: Theme.horizontalPadding
@@ -49,21 +62,33 @@ Item {
         id: agents
 
         Item {
-            AgentList {
-                visible: root.model.agentsEnabled
-                width: parent.width
-                rows: root.model.sessionRows
-                errorLines: root.model.agentErrorLines
-                limit: 4
-            }
-            Label {
-                visible: !root.model.agentsEnabled
-                height: Theme.rowHeight
-                verticalAlignment: Text.AlignVCenter
-                text: "Agent activity is off."
-                color: Theme.secondaryInk
-                Accessible.role: Accessible.StaticText
-                Accessible.name: text
+            // The highlight of a row has room on either side.
+            Column {
+                x: -8
+                width: parent.width + 16
+
+                AgentList {
+                    visible: root.model.agentsEnabled
+                    width: parent.width
+                    height: implicitHeight
+                    rows: root.model.sessionRows
+                    errorLines: root.model.agentErrorLines
+                    limit: 4
+                    onRaise: id => root.model.raiseSession(id)
+                }
+                MenuDivider {
+                    visible: root.model.agentsEnabled && root.model.limitsEnabled
+                    width: parent.width
+                    inset: 8
+                }
+                LimitsList {
+                    visible: root.model.limitsEnabled
+                    width: parent.width
+                    rows: root.model.limitRows
+                    errorLines: root.model.limitErrorLines
+                    barStyle: root.model.statsCard.barStyle
+                    toolTips: root.toolTips
+                }
             }
         }
     }

@@ -19,7 +19,7 @@ std::optional<AgentEvent> AgentEvent::parse(QByteArrayView message)
     if (!agent)
         return std::nullopt;
 
-    std::optional<QString> id, name, folder;
+    std::optional<QString> id, name, folder, cursorVersion;
     FirstText roots;
     JsonFields fields{ { "hook_event_name", &name } };
     if (*agent == Agent::cursor) {
@@ -28,10 +28,12 @@ std::optional<AgentEvent> AgentEvent::parse(QByteArrayView message)
     } else {
         fields.push_back({ "session_id", &id });
         fields.push_back({ "cwd", &folder });
+        fields.push_back({ "cursor_version", &cursorVersion });
     }
     if (!readJsonFields(message.sliced(newline + 1), fields) || !id || !name)
         return std::nullopt;
-    return AgentEvent{ *agent, *id, *agent == Agent::cursor ? roots.text : folder.value_or(QString()), *name };
+    return AgentEvent{ *agent, *id, *agent == Agent::cursor ? roots.text : folder.value_or(QString()), *name,
+        *agent == Agent::claude && cursorVersion };
 }
 
 } // namespace kestro

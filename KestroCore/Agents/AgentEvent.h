@@ -14,6 +14,7 @@ struct AgentEvent {
     QString sessionID;
     QString cwd; ///< the working folder; empty when the message gives none
     QString name; ///< exactly as sent
+    bool fromCursor = false; ///< a hook of Claude Code's that Cursor has run
 
     /// Reads "agent=WORD", a newline and the hook's JSON object. Nothing when the header is another one, the body is
     /// not one valid object, or the session id or the event's name is missing or not a text.

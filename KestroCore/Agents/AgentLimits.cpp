@@ -2,6 +2,7 @@
 
 #include "KestroCore/Agents/SocketMessageFields.h"
 
+#include <QDateTime>
 #include <cmath>
 
 namespace kestro {
@@ -37,10 +38,10 @@ std::optional<AgentLimits> AgentLimits::parseCodexLine(QByteArrayView line)
             return { { "used_percent", &percent }, { "resets_at", &resetsAt }, { "window_minutes", &minutes } };
         }
     } primary, secondary;
-    std::optional<QString> limitId;
+    std::optional<QString> limitId, timestamp;
     const JsonFields limits{ { "limit_id", &limitId }, { "primary", primary.fields() },
         { "secondary", secondary.fields() } };
-    if (!readJsonFields(line, { { "payload", JsonFields{ { "rate_limits", limits } } } })
+    if (!readJsonFields(line, { { "payload", JsonFields{ { "rate_limits", limits } } }, { "timestamp", &timestamp } })
         || limitId.value_or(QStringLiteral("codex")) != QLatin1String("codex"))
         return std::nullopt;
 
@@ -54,6 +55,9 @@ std::optional<AgentLimits> AgentLimits::parseCodexLine(QByteArrayView line)
         else if (usage && minutes == 7 * 24 * 60)
             found.weekly = usage;
     }
+    const auto told = QDateTime::fromString(timestamp.value_or(QString()), Qt::ISODateWithMs);
+    if (told.isValid())
+        found.toldAt = Date::fromUnix(double(told.toMSecsSinceEpoch()) / 1000);
     return unlessEmpty(found);
 }
 

@@ -11,6 +11,7 @@ namespace kestro {
 struct AgentLimits {
     std::optional<UsageWindow> fiveHour;
     std::optional<UsageWindow> weekly;
+    std::optional<Date> toldAt = {}; ///< when the agent told it, as far as that is known
 
     bool isEmpty() const { return !fiveHour && !weekly; }
 
@@ -19,7 +20,7 @@ struct AgentLimits {
     static std::optional<AgentLimits> parseClaudeStatus(QByteArrayView json);
 
     /// Reads one line of a Codex log. Nothing when it is not valid JSON, tells the limits of something else than the
-    /// plan, or no window of a known length.
+    /// plan, or no window of a known length. `toldAt` is the line's own "timestamp" (ISO 8601).
     static std::optional<AgentLimits> parseCodexLine(QByteArrayView line);
 
     bool operator==(const AgentLimits&) const = default;

@@ -3,13 +3,14 @@
 #include "KestroCore/Agents/Agent.h"
 #include "KestroCore/Agents/AgentLimits.h"
 
+#include <QLocale>
+#include <QTimeZone>
 #include <vector>
 
 namespace kestro {
 
 /// What the row of one agent's limits shows: gauges, or the reason why there are none yet.
 struct LimitsRow {
-    QString symbol;
     QString name;
     std::vector<WindowGauge> gauges; ///< the five hours first
     QString note; ///< empty once limits are known
@@ -19,5 +20,10 @@ struct LimitsRow {
 
     bool operator==(const LimitsRow&) const = default;
 };
+
+/// When and from where `limits` came, and what was not among them, in a sentence or two: "Told by Claude Code at
+/// 14:05." A moment of another day than `now` is given with its date.
+QString limitsSource(
+    Agent agent, const AgentLimits& limits, Date now, const QLocale& locale, const QTimeZone& timeZone);
 
 } // namespace kestro

@@ -52,7 +52,7 @@ FileDescriptor listenAt(const std::string& path)
 
 } // namespace
 
-AgentSocket::AgentSocket(QString path, std::function<void(SocketMessage)> onMessage, AgentSocketLimits limits)
+AgentSocket::AgentSocket(QString path, OnSocketMessage onMessage, AgentSocketLimits limits)
     : m_path(std::move(path))
     , m_onMessage(std::move(onMessage))
     , m_limits(limits)

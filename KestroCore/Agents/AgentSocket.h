@@ -4,7 +4,6 @@
 #include "KestroCore/Agents/SocketMessage.h"
 
 #include <QString>
-#include <functional>
 #include <memory>
 
 namespace kestro {
@@ -15,7 +14,7 @@ class SerialQueue;
 class AgentSocket {
 public:
     /// `onMessage` runs on the socket's own thread, one message at a time; it must not call `start` or `stop`.
-    AgentSocket(QString path, std::function<void(SocketMessage)> onMessage, AgentSocketLimits limits = {});
+    AgentSocket(QString path, OnSocketMessage onMessage, AgentSocketLimits limits = {});
     /// Stops.
     ~AgentSocket();
     AgentSocket(const AgentSocket&) = delete;
@@ -33,7 +32,7 @@ public:
 
 private:
     QString m_path;
-    std::function<void(SocketMessage)> m_onMessage;
+    OnSocketMessage m_onMessage;
     AgentSocketLimits m_limits;
     std::unique_ptr<AgentSocketReader> m_reader;
     std::unique_ptr<SerialQueue> m_queue; // below what it runs: it ends first

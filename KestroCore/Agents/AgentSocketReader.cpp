@@ -20,8 +20,7 @@ constexpr size_t firstClientSlot = 2;
 
 } // namespace
 
-AgentSocketReader::AgentSocketReader(
-    FileDescriptor listener, std::function<void(SocketMessage)> onMessage, AgentSocketLimits limits)
+AgentSocketReader::AgentSocketReader(FileDescriptor listener, OnSocketMessage onMessage, AgentSocketLimits limits)
     : m_listener(std::move(listener))
     , m_wake(::eventfd(0, EFD_CLOEXEC))
     , m_onMessage(std::move(onMessage))
@@ -132,7 +131,7 @@ void AgentSocketReader::readSome(Client& client, Clock::time_point now)
             break;
     }
     if (auto message = client.framer.message())
-        m_onMessage(*std::move(message));
+        m_onMessage(*std::move(message), client.descriptor.get());
     client.descriptor.close();
 }
 

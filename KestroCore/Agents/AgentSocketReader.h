@@ -13,6 +13,10 @@ struct pollfd;
 
 namespace kestro {
 
+/// A message, and the connection that it came over. Its client waits for the connection's end, so for as long as this
+/// runs it is alive.
+using OnSocketMessage = std::function<void(SocketMessage message, int connection)>;
+
 /// What the socket's clients may take up. Tests make these small; nobody else changes them.
 struct AgentSocketLimits {
     std::chrono::milliseconds silence{ 1000 }; ///< without a byte, from the connection or the last one on
@@ -28,7 +32,7 @@ struct AgentSocketLimits {
 class AgentSocketReader {
 public:
     /// Throws std::system_error when there is no descriptor for the wake-up.
-    AgentSocketReader(FileDescriptor listener, std::function<void(SocketMessage)> onMessage, AgentSocketLimits limits);
+    AgentSocketReader(FileDescriptor listener, OnSocketMessage onMessage, AgentSocketLimits limits);
 
     /// Blocks until `stop`; calls `onMessage` meanwhile.
     void run();
@@ -55,7 +59,7 @@ private:
 
     FileDescriptor m_listener;
     FileDescriptor m_wake;
-    std::function<void(SocketMessage)> m_onMessage;
+    OnSocketMessage m_onMessage;
     AgentSocketLimits m_limits;
     std::vector<char> m_buffer;
     std::vector<Client> m_clients; // oldest first

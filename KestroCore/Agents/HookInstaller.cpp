@@ -36,6 +36,16 @@ bool isOurs(const json& entry)
         && std::ranges::any_of(*inner, hasOurCommand);
 }
 
+/// Those of an entry that is ours: it has one of its own, or some in a list of hooks.
+void appendCommands(const json& entry, QStringList& found)
+{
+    const json alone = json::array({ entry });
+    for (const json& hook : hasOurCommand(entry) ? alone : entry["hooks"]) {
+        if (hasOurCommand(hook))
+            found.append(QString::fromStdString(hook["command"].get_ref<const std::string&>()));
+    }
+}
+
 /// An array that also holds values other than objects is searched too: were it passed over, every installation would
 /// add one more entry to it.
 void removeOurs(json& root)
@@ -133,6 +143,29 @@ QByteArray install(const std::optional<QByteArray>& data, Agent agent, const QSt
     if (agent == Agent::cursor)
         root.emplace("version", 1);
     return ForeignJson::print(root);
+}
+
+QStringList commands(const std::optional<QByteArray>& data, const QString& path)
+{
+    const json root = ConfigFile::parse(data.value_or(QByteArray()), path);
+    const auto hooks = root.find("hooks");
+    if (hooks == root.end() || !hooks->is_object())
+        return {};
+    QStringList found;
+    for (const json& event : *hooks) {
+        if (!event.is_array())
+            continue;
+        for (const json& entry : event) {
+            if (isOurs(entry))
+                appendCommands(entry, found);
+        }
+    }
+    return found;
+}
+
+bool isInstalled(const std::optional<QByteArray>& data, Agent agent, const QString& path)
+{
+    return ConfigFile::parse(data.value_or(QByteArray()), path) == ConfigFile::parse(install(data, agent, path), path);
 }
 
 void apply(bool enabled, Agent agent, const QString& file)

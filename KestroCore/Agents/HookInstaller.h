@@ -32,6 +32,13 @@ QByteArray install(const std::optional<QByteArray>& data, Agent agent, const QSt
 /// over what keeps something else where hooks belong.
 QByteArray uninstall(const std::optional<QByteArray>& data, const QString& path);
 
+/// Every command of ours that stands in `data`, as it stands there, whatever its event or agent. No or empty `data`
+/// holds none. Throws HookInstallerError with `path` when `data` is not a JSON object.
+QStringList commands(const std::optional<QByteArray>& data, const QString& path);
+
+/// Whether `data` is what `install` would make of it, however it is spelt. Throws as `install` does.
+bool isInstalled(const std::optional<QByteArray>& data, Agent agent, const QString& path);
+
 /// Puts the hooks of `agent` into `file` or takes ours out. A file in which nothing is ours is not even parsed when
 /// they are to be out. Throws and blocks as ConfigFile::update does.
 void apply(bool enabled, Agent agent, const QString& file);

@@ -15,10 +15,13 @@ public:
     static ShortcutOwner launchItem(const QUuid& id) { return ShortcutOwner(LaunchItem{ id }); }
     static ShortcutOwner capture(CaptureMode mode) { return ShortcutOwner(Capture{ mode }); }
     static ShortcutOwner openNotch() { return ShortcutOwner(OpenNotch{}); }
+    /// To the agent's session that has waited for the user longest.
+    static ShortcutOwner waitingAgent() { return ShortcutOwner(WaitingAgent{}); }
 
     std::optional<QUuid> launchItemId() const;
     std::optional<CaptureMode> captureMode() const;
     bool isOpenNotch() const { return std::holds_alternative<OpenNotch>(m_value); }
+    bool isWaitingAgent() const { return std::holds_alternative<WaitingAgent>(m_value); }
 
     auto operator<=>(const ShortcutOwner&) const = default;
     bool operator==(const ShortcutOwner&) const = default;
@@ -36,7 +39,10 @@ private:
     struct OpenNotch {
         auto operator<=>(const OpenNotch&) const = default;
     };
-    using Value = std::variant<LaunchItem, Capture, OpenNotch>;
+    struct WaitingAgent {
+        auto operator<=>(const WaitingAgent&) const = default;
+    };
+    using Value = std::variant<LaunchItem, Capture, OpenNotch, WaitingAgent>;
 
     explicit ShortcutOwner(Value value)
         : m_value(value)

@@ -1,36 +1,17 @@
-#include "Kestro/Application/AppModel.h"
 #include "KestroCore/Agents/HookInstaller.h"
-#include "Tests/Support/Fakes.h"
+#include "Tests/App/ModelFixture.h"
 
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-#include <QTest>
 #include <gmock/gmock.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 namespace kestro {
 
 namespace {
 
-using test::FakePlatform;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class AppModelTest : public testing::Test {
+class AppModelTest : public test::ModelFixture {
 protected:
-    AppModel& start()
-    {
-        model = std::make_unique<AppModel>(platform.ports(), Folders::under(home.path()));
-        model->start();
-        platform.loop.turn();
-        return *model;
-    }
-    void set(const char* key, const QVariant& value) { platform.preferences.setValue(QString::fromLatin1(key), value); }
-    QVariant stored(const char* key) const { return platform.preferences.values.value(QString::fromLatin1(key)); }
-
     QStringList layout() const
     {
         QStringList names;
@@ -52,36 +33,6 @@ protected:
         QFile file(HookInstaller::configURL(agent, home.path()));
         return file.open(QIODevice::ReadOnly) && file.readAll().contains(HookInstaller::marker);
     }
-    QString socketPath() const
-    {
-        return home.path() + QStringLiteral("/Library/Application Support/Kestro/agents.sock");
-    }
-
-    /// Sends one hook's message and turns the loop until the model has it.
-    void send(const char* event, const char* id = "s", const char* cwd = "/home/u/kestro", const char* agent = "claude")
-    {
-        const QByteArray message = QByteArray("agent=") + agent + "\n{\"session_id\":\"" + id
-            + "\",\"hook_event_name\":\"" + event + "\",\"cwd\":\"" + cwd + "\"}";
-        const int client = ::socket(AF_UNIX, SOCK_STREAM, 0);
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        qstrncpy(address.sun_path, QFile::encodeName(socketPath()).constData(), sizeof address.sun_path);
-        ASSERT_EQ(0, ::connect(client, reinterpret_cast<const sockaddr*>(&address), sizeof address));
-        ASSERT_EQ(message.size(), ::write(client, message.constData(), std::size_t(message.size())));
-        char byte = 0;
-        ASSERT_EQ(0, ::read(client, &byte, 1)) << "the socket closes once it has handled the message";
-        ::close(client);
-        platform.loop.turn();
-    }
-    std::optional<AgentState> stateOf(const char* id) const
-    {
-        const auto found = model->store().sessions.find(QString::fromLatin1(id));
-        return found == model->store().sessions.end() ? std::nullopt : std::optional(found->second.state);
-    }
-
-    QTemporaryDir home;
-    FakePlatform platform;
-    std::unique_ptr<AppModel> model;
 };
 
 TEST_F(AppModelTest, startsWithTheWidgetsOfItsSwitches)
@@ -245,7 +196,7 @@ TEST_F(AppModelTest, theSelectionHoldsWhileOpenAndFallsBackToTheFirstWidget)
     start();
     EXPECT_EQ(WidgetKind::stats, model->shownWidget());
     model->setExpanded(true);
-    model->click(item(WidgetKind::ai));
+    model->setSelectedWidget(WidgetKind::ai);
     EXPECT_EQ(WidgetKind::ai, model->shownWidget());
     model->removeItem(item(WidgetKind::ai));
     EXPECT_EQ(WidgetKind::stats, model->shownWidget());

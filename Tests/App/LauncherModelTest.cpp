@@ -117,24 +117,6 @@ TEST_F(Launcher, migratesALayoutWithoutWidgetsOnce)
     EXPECT_EQ(m_preferences.values.value(u"launcherItems.migrated"_qs), true);
 }
 
-TEST_F(Launcher, opens)
-{
-    m_workspace.names[u"/one.desktop"_qs] = u"Eins"_qs;
-    model().open(appAt("/one.desktop"));
-    model().open(linkTo("https://a.com/x"));
-    model().open(widgetOf(WidgetKind::stats));
-    model().open(itemOf(LaunchItem::Divider{}));
-    EXPECT_THAT(m_workspace.opened, ElementsAre(u"/one.desktop"_qs, u"https://a.com/x"_qs));
-    EXPECT_THAT(m_log.lines, IsEmpty());
-
-    m_workspace.openFailure = u"no such program"_qs;
-    model().open(appAt("/one.desktop"));
-    model().open(linkTo("https://a.com/x"));
-    EXPECT_THAT(m_log.lines,
-        ElementsAre(
-            u"Kestro: couldn't open /one.desktop: no such program"_qs, u"Kestro: couldn't open https://a.com/x"_qs));
-}
-
 TEST_F(Launcher, aMissingApplicationIsNoticedForTwoSeconds)
 {
     QSignalSpy told(&model(), &LauncherModel::noticeChanged);

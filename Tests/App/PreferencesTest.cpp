@@ -62,27 +62,6 @@ TEST_F(Preferences, numbersAreHeldToTheirRange)
         EXPECT_EQ(read(prefs::onboardingVersion, stored), expected) << stored;
 }
 
-TEST_F(Preferences, writesWhatItReads)
-{
-    prefs::captureTimer.write(m_store, 5);
-    prefs::notchScreen.write(m_store, NotchScreenMode::pointer);
-    prefs::clipboardIgnoredApps.write(m_store, { u"a"_qs, u"b"_qs });
-    prefs::liveActivity.write(m_store, u"track", false);
-    EXPECT_EQ(m_store.values,
-        (QVariantMap{ { u"captureTimer"_qs, 5.0 }, { u"notchScreen"_qs, u"pointer"_qs },
-            { u"clipboardIgnoredApps"_qs, QVariantList{ u"a"_qs, u"b"_qs } }, { u"liveActivity.track"_qs, false } }));
-    EXPECT_EQ(prefs::captureTimer.read(m_store), 5);
-    EXPECT_EQ(prefs::notchScreen.read(m_store), NotchScreenMode::pointer);
-    EXPECT_EQ(prefs::clipboardIgnoredApps.read(m_store), (QStringList{ u"a"_qs, u"b"_qs }));
-    EXPECT_FALSE(prefs::liveActivity.read(m_store, u"track"));
-    EXPECT_TRUE(prefs::liveActivity.read(m_store, u"timer"));
-
-    for (const bool set : { true, false }) {
-        prefs::sidebarVisibility.write(m_store, set ? std::optional(DockVisibility::pill) : std::nullopt);
-        EXPECT_EQ(m_store.values.contains(u"sidebarVisibility"_qs), set);
-    }
-}
-
 TEST_F(Preferences, theOlderSidebarKeysAreFallbacks)
 {
     EXPECT_EQ(sidebar({}), SidebarPrefs{});

@@ -43,38 +43,6 @@ protected:
     std::unique_ptr<AppModel> model;
 };
 
-TEST_F(SettingsListsTest, theLayoutIsEditedRowByRow)
-{
-    LayoutList list(*model);
-    const QAbstractItemModelTester tester(&list, QAbstractItemModelTester::FailureReportingMode::Fatal);
-    QSignalSpy resets(&list, &QAbstractItemModel::modelReset);
-    list.addApps({ QStringLiteral("/Editor.desktop"), QStringLiteral("/Terminal.desktop") });
-    list.addDivider();
-    EXPECT_TRUE(list.addLink(QStringLiteral(" example.org "), QStringLiteral("  Example ")));
-    EXPECT_EQ(QStringLiteral("Stats|Editor|Terminal|Divider|Example"), rows(list, LayoutList::Name));
-    EXPECT_FALSE(list.addLink(QStringLiteral("mailto:a@b"), {}));
-
-    QObject* const editor = recorder(list, 1, LayoutList::Recorder);
-    EXPECT_EQ(nullptr, recorder(list, 3, LayoutList::Recorder)) << "a divider has no shortcut";
-    list.moveBy(1, 1);
-    EXPECT_EQ(QStringLiteral("Stats|Terminal|Editor|Divider|Example"), rows(list, LayoutList::Name));
-    EXPECT_EQ(editor, recorder(list, 2, LayoutList::Recorder)) << "a row that moves keeps what it records";
-
-    const auto payload = [&](int row) { return list.index(row).data(LayoutList::Payload).toString(); };
-    EXPECT_TRUE(payload(0).startsWith(QStringLiteral("kestro-layout-item:")));
-    EXPECT_TRUE(list.drop(payload(4), 0));
-    EXPECT_EQ(QStringLiteral("Example|Stats|Terminal|Editor|Divider"), rows(list, LayoutList::Name));
-    EXPECT_TRUE(list.drop(payload(0), 5)) << "behind the last row";
-    EXPECT_EQ(QStringLiteral("Stats|Terminal|Editor|Divider|Example"), rows(list, LayoutList::Name));
-    for (const QString& refused : { QString(), payload(0).mid(7), QStringLiteral("kestro-layout-item:"),
-             QStringLiteral("kestro-layout-item:00000000-0000-0000-0000-000000000001") })
-        EXPECT_FALSE(list.drop(refused, 0)) << refused.toStdString();
-
-    list.remove(0);
-    EXPECT_EQ(QStringLiteral("Terminal|Editor|Divider|Example"), rows(list, LayoutList::Name));
-    EXPECT_EQ(0, resets.count()) << "a reset would take the keyboard from the row that has it";
-}
-
 TEST_F(SettingsListsTest, whatIsFullSaysSo)
 {
     LayoutList list(*model);

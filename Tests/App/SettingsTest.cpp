@@ -14,63 +14,6 @@ namespace {
 
 using test::FakePlatform;
 
-TEST(AppearanceSettingsTest, readsAsTheSurfacesDoAndWritesEachKey)
-{
-    FakePlatform platform;
-    const Platform ports = platform.ports();
-    AppearanceSettings settings(ports);
-    const struct {
-        const char* key;
-        QVariant before; ///< with nothing stored
-        QVariant written;
-        QVariant stored;
-    } rows[] = {
-        { "displayMode", QStringLiteral("sidebar"), QStringLiteral("notch"), QStringLiteral("notch") },
-        { "sidebarEdge", QStringLiteral("right"), QStringLiteral("bottom"), QStringLiteral("bottom") },
-        { "sidebarScreen", QString(), QStringLiteral("B"), QStringLiteral("B") },
-        { "sidebarVisibility", QStringLiteral("dock"), QStringLiteral("pill"), QStringLiteral("pill") },
-        { "sidebarPlacement", QStringLiteral("attached"), QStringLiteral("detached"), QStringLiteral("detached") },
-        { "sidebarMaterial", QStringLiteral("translucent"), QStringLiteral("glass"), QStringLiteral("glass") },
-        { "sidebarTint", QStringLiteral("plain"), QStringLiteral("graphite"), QStringLiteral("graphite") },
-        { "dockIconSize", QStringLiteral("medium"), QStringLiteral("large"), QStringLiteral("large") },
-        { "dockMagnification", false, true, true },
-        { "dockMagnificationScale", 1.6, 2, 2.0 },
-        { "dockLiveTiles", true, false, false },
-        { "dockRunningIndicators", true, false, false },
-        { "tileStyle", QStringLiteral("colorful"), QStringLiteral("monochrome"), QStringLiteral("monochrome") },
-        { "levelBars", QStringLiteral("trafficLight"), QStringLiteral("accent"), QStringLiteral("accent") },
-    };
-    EXPECT_EQ(settings.values().size(), qsizetype(std::size(rows)));
-    for (const auto& row : rows) {
-        const QString key = QLatin1String(row.key);
-        SCOPED_TRACE(row.key);
-        EXPECT_EQ(settings.values().value(key), row.before);
-        settings.set(key, row.written);
-        EXPECT_EQ(platform.preferences.values.value(key), row.stored);
-        EXPECT_EQ(settings.values().value(key), row.stored);
-    }
-    settings.set(QStringLiteral("sidebarEdge"), QStringLiteral("top"));
-    settings.set(QStringLiteral("dockMagnificationScale"), 7.0);
-    EXPECT_EQ(settings.values().value(QStringLiteral("sidebarEdge")), QStringLiteral("bottom")) << "no such edge";
-    EXPECT_EQ(platform.preferences.values.value(QStringLiteral("dockMagnificationScale")), 2.0);
-}
-
-TEST(AppearanceSettingsTest, followsWhatOthersChange)
-{
-    FakePlatform platform;
-    platform.preferences.values = { { QStringLiteral("sidebarAutoHide"), true },
-        { QStringLiteral("sidebarIconSize"), 28.0 }, { QStringLiteral("dockIconSize"), QStringLiteral("huge") } };
-    const Platform ports = platform.ports();
-    const AppearanceSettings settings(ports);
-    QSignalSpy changed(&settings, &AppearanceSettings::changed);
-    EXPECT_EQ(settings.values().value(QStringLiteral("sidebarVisibility")), QStringLiteral("autoHide"));
-    EXPECT_EQ(settings.values().value(QStringLiteral("dockIconSize")), QStringLiteral("small"));
-    platform.preferences.setValue(QStringLiteral("sidebarVisibility"), QStringLiteral("pill"));
-    platform.loop.turn();
-    EXPECT_EQ(changed.count(), 1);
-    EXPECT_EQ(settings.values().value(QStringLiteral("sidebarVisibility")), QStringLiteral("pill"));
-}
-
 TEST(AppearanceSettingsTest, listsTheScreensAndTheOneThatIsMissing)
 {
     FakePlatform platform;
@@ -124,10 +67,10 @@ protected:
         delegate->applicationDidFinishLaunching();
         platform.loop.turn();
     }
-    static QWindow* window()
+    static QWindow* window(const char* title = "Kestro Settings")
     {
         for (QWindow* each : QGuiApplication::allWindows()) {
-            if (each->title() == QStringLiteral("Kestro Settings"))
+            if (each->title() == QLatin1String(title))
                 return each;
         }
         return nullptr;
@@ -190,82 +133,31 @@ TEST_F(SettingsWindowTest, keepsItsSizeInsideTheScreen)
     }
 }
 
-TEST_F(SettingsWindowTest, remembersItsSizeWhenResizingRestsOrItCloses)
+TEST_F(SettingsWindowTest, theWindowOfTheAgentsIsMadeWhenOpenedAndGoesWhenClosed)
 {
-    start();
-    QWindow& opened = open();
-    opened.resize(820, 600);
-    QCoreApplication::processEvents();
-    platform.loop.advance(0.4);
-    opened.resize(840, 610);
-    QCoreApplication::processEvents();
-    platform.loop.advance(0.4);
-    EXPECT_EQ(stored("settingsWidth"), QVariant()) << "still being dragged";
-    platform.loop.advance(0.2);
-    EXPECT_EQ(stored("settingsWidth"), 840.0);
-    EXPECT_EQ(stored("settingsHeight"), 610.0);
-    opened.resize(860, 610);
-    QCoreApplication::processEvents();
-    opened.close();
-    EXPECT_EQ(stored("settingsWidth"), 860.0);
-    platform.loop.turn();
-    EXPECT_EQ(open().size(), QSize(860, 610));
-}
-
-TEST_F(SettingsWindowTest, goesFromPaneToPaneByKeys)
-{
-    start();
-    open();
-    const auto pane = [&] { return delegate->model().settingsPaneName(); };
-    const struct {
-        Qt::Key key;
-        Qt::KeyboardModifiers modifiers;
-        const char* pane;
-    } rows[] = {
-        { Qt::Key_2, Qt::ControlModifier, "appearance" },
-        { Qt::Key_5, Qt::ControlModifier, "shortcuts" },
-        { Qt::Key_6, Qt::ControlModifier, "shortcuts" },
-        { Qt::Key_Down, {}, "shortcuts" },
-        { Qt::Key_Up, {}, "agents" },
-        { Qt::Key_1, Qt::ControlModifier, "general" },
-        { Qt::Key_3, {}, "general" },
-    };
-    for (const auto& row : rows) {
-        type(row.key, row.modifiers);
-        EXPECT_EQ(pane(), QLatin1String(row.pane)) << row.key;
+    platform.preferences.values[QStringLiteral("agentsEnabled")] = true;
+    start({ 500, 400 });
+    AppModel& model = delegate->model();
+    const std::pair<Qt::Key, Qt::KeyboardModifiers> closers[] = { { Qt::Key_Escape, {} },
+        { Qt::Key_W, Qt::ControlModifier } };
+    for (const auto& [key, modifiers] : closers) {
+        model.showCard(WidgetKind::ai);
+        model.openWindow(WidgetKind::ai);
+        EXPECT_FALSE(model.expanded()) << "the card gives way";
+        const QPointer<QWindow> opened = window("AI");
+        ASSERT_TRUE(opened);
+        EXPECT_TRUE(QRect(0, 0, 500, 400).contains(opened->geometry()));
+        model.openWindow(WidgetKind::ai);
+        EXPECT_EQ(window("AI"), opened) << "one is enough";
+        QTest::keyClick(opened, key, modifiers);
+        platform.loop.turn();
+        EXPECT_FALSE(opened);
     }
-    type(Qt::Key_F);
-    for (const char letter : { 'h', 'o', 'o', 'k' })
-        QTest::keyClick(window(), letter);
-    EXPECT_EQ(pane(), QStringLiteral("agents")) << "the first that the search finds";
-}
-
-TEST_F(SettingsWindowTest, isOpenedFromTheTray)
-{
-    start();
-    const auto choose = [&](const char* title) {
-        for (const MenuEntry& each : QList(platform.statusItem.menu)) {
-            if (each.title == QString::fromUtf8(title))
-                each.action();
-        }
-    };
-    QStringList titles;
-    for (const MenuEntry& each : platform.statusItem.menu)
-        titles.append(each.title);
-    EXPECT_EQ(titles.join(QLatin1Char('|')), QStringLiteral("Check for Updates…||Settings…||Quit Kestro"));
-
-    delegate->model().setSettingsPane(SettingsPane::agents);
-    choose("Settings…");
-    EXPECT_TRUE(window());
-    EXPECT_EQ(delegate->model().settingsPane(), SettingsPane::agents) << "where it was left";
-    choose("Check for Updates…");
-    EXPECT_EQ(delegate->model().settingsPane(), SettingsPane::general);
-    window()->close();
-    platform.loop.turn();
-    Q_EMIT platform.statusItem.activated();
-    EXPECT_TRUE(window());
-    delegate->applicationWillTerminate();
-    EXPECT_TRUE(platform.statusItem.menu.isEmpty());
+    model.openWindow(WidgetKind::ai);
+    QTest::keyClick(window("AI"), Qt::Key_Comma, Qt::ControlModifier);
+    EXPECT_TRUE(window("Kestro Settings"));
+    model.openWindow(WidgetKind::stats);
+    EXPECT_FALSE(window("Stats"));
 }
 
 TEST_F(SettingsWindowTest, theTraysMenuOpensOnTheScreen)

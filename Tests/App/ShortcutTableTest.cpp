@@ -1,15 +1,12 @@
-#include "Kestro/Application/AppModel.h"
 #include "Kestro/Shortcuts/ShortcutRecorder.h"
-#include "Tests/Support/Fakes.h"
+#include "Tests/App/ModelFixture.h"
 
-#include <QTemporaryDir>
 #include <gmock/gmock.h>
 
 namespace kestro {
 
 namespace {
 
-using test::FakePlatform;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -20,15 +17,8 @@ const KeyCombo optionD{ 2, KeyCombo::option };
 const KeyCombo openDefault = KeyCombo::openNotchDefault;
 const ShortcutOwner open = ShortcutOwner::openNotch();
 
-class ShortcutTableTest : public testing::Test {
+class ShortcutTableTest : public test::ModelFixture {
 protected:
-    AppModel& start()
-    {
-        model = std::make_unique<AppModel>(platform.ports(), Folders::under(home.path()));
-        model->start();
-        platform.loop.turn();
-        return *model;
-    }
     ShortcutOwner addApp(const char* path)
     {
         const QUuid id = QUuid::createUuid();
@@ -37,10 +27,6 @@ protected:
         return ShortcutOwner::launchItem(id);
     }
     QVariant stored() const { return platform.preferences.values.value(prefs::openNotchShortcut.key); }
-
-    QTemporaryDir home;
-    FakePlatform platform;
-    std::unique_ptr<AppModel> model;
 };
 
 TEST_F(ShortcutTableTest, whatIsStoredDecidesAtTheStart)
@@ -114,7 +100,7 @@ TEST_F(ShortcutTableTest, itemsTakeTheirShortcutsWithThem)
     ASSERT_EQ(ai.widget(), WidgetKind::ai);
     EXPECT_EQ(model->setShortcut(optionD, ShortcutOwner::launchItem(ai.id)), std::nullopt);
     std::optional<WidgetKind> shown;
-    model->showCard = [&](WidgetKind kind) { shown = kind; };
+    model->openWindow = [&](WidgetKind kind) { shown = kind; };
     EXPECT_TRUE(platform.hotKeys.press(optionD));
     EXPECT_EQ(shown, WidgetKind::ai);
 }

@@ -1,20 +1,17 @@
 #include "Kestro/Launch/AppDelegate.h"
-#include "Tests/Support/Fakes.h"
+#include "Tests/App/ModelFixture.h"
 
 #include <QGuiApplication>
-#include <QTemporaryDir>
-#include <gmock/gmock.h>
+#include <QSignalSpy>
 
 namespace kestro {
 
 namespace {
 
-using test::FakePlatform;
-
 constexpr QPointF away{ 400, 540 };
 
 /// The dock on a screen of 1920 by 1080 with Stats and AI on it: its strip is 52 points thick.
-class SidebarControllerTest : public testing::Test {
+class SidebarControllerTest : public test::ModelFixture {
 protected:
     void start(const QVariantMap& preferences = {})
     {
@@ -51,13 +48,18 @@ protected:
     }
     const SidebarFrame& frame() const { return *sidebar->state().frame(); }
     QRegion painted() const { return sidebar->state().outline().region(sidebar->state().dockRect()); }
+    static QWindow* window(const char* title)
+    {
+        for (QWindow* each : QGuiApplication::allWindows()) {
+            if (each->title() == QLatin1String(title))
+                return each;
+        }
+        return nullptr;
+    }
     QWindow& strip() const { return *platform.panels.adopted.first(); }
 
-    QTemporaryDir home;
-    FakePlatform platform;
     std::unique_ptr<Theme> theme;
     std::unique_ptr<QQmlEngine> engine;
-    std::unique_ptr<AppModel> model;
     std::unique_ptr<SidebarController> sidebar;
 };
 
@@ -288,8 +290,118 @@ TEST_F(SidebarControllerTest, theNextIconsNameOutlivesThePointersLeavingTheLast)
     sidebar->hoverItem(3);
     sidebar->leaveItem(2);
     platform.loop.advance(0.5);
-    EXPECT_EQ(QStringLiteral("Kestro Tooltip"), platform.panels.adopted.last()->title());
+    EXPECT_TRUE(window("Kestro Tooltip"));
     sidebar->leaveItem(3);
+    EXPECT_FALSE(window("Kestro Tooltip"));
+}
+
+TEST_F(SidebarControllerTest, aRowsExplanationComesAndGoesWithThePointer)
+{
+    start();
+    QQuickWindow below;
+    below.setGeometry(100, 100, 300, 200);
+    QQuickItem first(below.contentItem());
+    QQuickItem second(below.contentItem());
+    first.setSize({ 300, 24 });
+    ToolTip toolTip(model->platform(), *engine);
+    const auto shows = [] { return window("Kestro Tooltip") != nullptr; };
+    const auto pass = [this](double seconds) { platform.loop.advance(seconds); };
+
+    toolTip.entered(
+        &first, QStringLiteral("A sentence that is far too long to stand in one line, which is why it is broken"));
+    pass(0.39);
+    EXPECT_FALSE(shows());
+    pass(0.02);
+    ASSERT_TRUE(shows());
+    const QRect place = window("Kestro Tooltip")->geometry().adjusted(24, 24, -24, -24); // without its shadow's room
+    EXPECT_EQ(place.topLeft(), QPoint(100, 128)) << "below the item";
+    EXPECT_LE(place.width(), 340);
+    EXPECT_GT(place.height(), 30) << "two lines";
+    toolTip.left(&first);
+    toolTip.entered(&first, QStringLiteral("A"));
+    pass(1);
+    EXPECT_TRUE(shows()) << "left for an instant";
+    toolTip.entered(&second, QString());
+    EXPECT_FALSE(shows()) << "nothing to say";
+
+    toolTip.entered(&first, QStringLiteral("A"));
+    toolTip.left(&second);
+    pass(0.5);
+    EXPECT_TRUE(shows()) << "another was left";
+    first.setVisible(false);
+    EXPECT_FALSE(shows());
+    below.setGeometry(1900, 1050, 300, 200);
+    toolTip.entered(&second, QStringLiteral("At the corner"));
+    pass(0.5);
+    ASSERT_TRUE(shows());
+    EXPECT_TRUE(QRect(0, 0, 1920, 1080).contains(window("Kestro Tooltip")->geometry().adjusted(24, 24, -24, -24)));
+    toolTip.left(&second);
+    pass(0.2);
+    EXPECT_FALSE(shows());
+}
+
+TEST_F(SidebarControllerTest, theLiveTileShowsTheFiveHoursWhileTheyAreKnown)
+{
+    start({ { QStringLiteral("limitsEnabled"), true } });
+    DockItemsModel& items = *const_cast<SidebarState&>(sidebar->state()).items();
+    const auto share = [&](int row) { return items.data(items.index(row), DockItemsModel::Share).toDouble(); };
+    EXPECT_EQ(-1, share(1));
+    QSignalSpy changed(&items, &DockItemsModel::dataChanged);
+    const auto tell = [&](double percent) {
+        sendMessage("limits=claude\n"
+                    R"({"rate_limits":{"five_hour":{"used_percentage":)"
+            + QByteArray::number(percent) + R"(,"resets_at":)"
+            + QByteArray::number(platform.loop.now().seconds + Date::unixEpochOffset + 3600, 'f', 0) + "}}}");
+    };
+    tell(28);
+    EXPECT_EQ(0.28, share(1));
+    EXPECT_EQ(-1, share(0));
+    tell(28);
+    EXPECT_EQ(1, changed.count()) << "the same again draws nothing";
+    set("dockLiveTiles", false);
+    EXPECT_EQ(-1, share(1));
+    set("dockLiveTiles", true);
+    EXPECT_EQ(0.28, share(1));
+    platform.loop.advance(3601);
+    EXPECT_EQ(0, share(1)) << "the window has passed";
+    model->turn(FeatureSwitch::limits, false);
+    platform.loop.turn();
+    EXPECT_EQ(-1, share(1));
+}
+
+TEST_F(SidebarControllerTest, itGivesWayToAWindow)
+{
+    for (const char* visibility : { "dock", "autoHide" }) {
+        SCOPED_TRACE(visibility);
+        start({ { QStringLiteral("sidebarVisibility"), QString::fromLatin1(visibility) } });
+        std::optional<WidgetKind> opened;
+        model->openWindow = [&](WidgetKind kind) {
+            opened = kind;
+            sidebar->giveWay();
+        };
+        sidebar->toggle();
+        platform.loop.turn();
+        ASSERT_TRUE(sidebar->cardShown());
+        platform.pointer.moveTo(frame().dock.center());
+        sidebar->clickItem(0);
+        platform.loop.turn();
+        EXPECT_TRUE(sidebar->cardShown()) << "Stats has a card alone";
+        sidebar->clickItem(1);
+        EXPECT_EQ(WidgetKind::ai, opened);
+        EXPECT_FALSE(sidebar->cardShown());
+        EXPECT_EQ(nullptr, platform.panels.focused);
+        EXPECT_TRUE(sidebar->state().revealed()) << "the pointer is on it";
+        platform.pointer.moveTo(away);
+        platform.loop.advance(1);
+        EXPECT_EQ(sidebar->state().revealed(), QLatin1String(visibility) == QLatin1String("dock"));
+
+        sidebar->show(WidgetKind::ai);
+        model->openShownWindow();
+        EXPECT_FALSE(model->expanded());
+        EXPECT_EQ(sidebar->state().revealed(), QLatin1String(visibility) == QLatin1String("dock"));
+        sidebar.reset();
+        model.reset();
+    }
 }
 
 TEST_F(SidebarControllerTest, aShortcutGivesItTheKeyboard)

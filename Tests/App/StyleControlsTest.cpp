@@ -44,38 +44,6 @@ TEST_F(StyleControls, AToggleTellsEachWishOnceAndDoesNotTurnByItself)
     EXPECT_EQ(toggled.count(), 4) << "disabled";
 }
 
-TEST_F(StyleControls, AChoiceIsMadeByEveryHand)
-{
-    QQuickItem& choice = show(R"(Choice { id: c; label: 'Edge'; current: 'right'; onChosen: value => current = value
-        options: [{ value: 'left', title: 'Left' }, { value: 'right', title: 'Right' }, { value: 'bottom', title: 'Bottom' }] })");
-    const auto current = [&] { return choice.property("current").toString(); };
-    shown("Right")->forceActiveFocus();
-    const struct {
-        const char* how;
-        std::function<void()> act;
-        const char* becomes;
-    } cases[] = {
-        { "arrow", [&] { type({ Qt::Key_Left }); }, "left" },
-        { "arrow at the end", [&] { type({ Qt::Key_Left }); }, "left" },
-        { "the focus followed",
-            [&] {
-                type({ Qt::Key_Right, Qt::Key_Down });
-            },
-            "bottom" },
-        { "click", [&] { click(*shown("Right")); }, "right" },
-        { "bus", [&] { act(shown("Bottom"), "pressAction"); }, "bottom" },
-        { "bus's toggle", [&] { act(shown("Left"), "toggleAction"); }, "left" },
-    };
-    for (const auto& each : cases) {
-        each.act();
-        EXPECT_EQ(current(), QLatin1String(each.becomes)) << each.how;
-    }
-    choice.setEnabled(false);
-    act(shown("Right"), "pressAction");
-    EXPECT_EQ(current(), QStringLiteral("left")) << "disabled";
-    EXPECT_EQ(accessible(shown("Right"), "description"), QStringLiteral("dimmed"));
-}
-
 constexpr char picker[] = R"(Item { width: 400; height: 120; Picker { y: 80; label: 'Tint'; current: 'red'
     options: [{ value: 'plain', title: 'Plain' }, { value: 'red', title: 'Red' }, { value: 'pink', title: 'Pink' },
               { value: 'purple', title: 'Deep purple' }] } })";
@@ -124,18 +92,6 @@ TEST_F(StyleControls, APickersListIsDrivenByKeys)
         EXPECT_TRUE(control.hasActiveFocus()) << "the keyboard comes back";
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
-}
-
-TEST_F(StyleControls, APickersListKeepsInsideTheWindow)
-{
-    show(R"(Item { width: 400; height: 300; Picker { x: 250; y: 260; label: 'Long'; current: '39'
-        options: Array.from({ length: 40 }, (_, i) => ({ value: String(i), title: 'A rather long title, number ' + i })) } })");
-    act(shown("Long"), "pressAction");
-    const QQuickItem* row = nullptr;
-    ASSERT_TRUE(QTest::qWaitFor([&] { return (row = shown("A rather long title, number 39")) != nullptr; }));
-    const QRectF frame = row->mapRectToScene(row->boundingRect());
-    EXPECT_TRUE(QRectF(0, 0, 400, 300).contains(frame)) << "what holds is scrolled to";
-    EXPECT_GT(frame.width(), 200) << "and wide enough to be read";
 }
 
 TEST_F(StyleControls, ASliderMovesInSteps)
@@ -205,37 +161,6 @@ TEST_F(StyleControls, APaneScrollsToWhatHasTheKeyboard)
     }
     type({ Qt::Key_PageDown, Qt::Key_PageDown, Qt::Key_PageDown, Qt::Key_PageDown, Qt::Key_PageDown });
     EXPECT_TRUE(seen("Last"));
-}
-
-TEST_F(StyleControls, ARowGivesItsWordsTheRoomThatTheyNeed)
-{
-    QQuickItem& section = show(R"(Section { width: 380
-        SettingRow { label: 'Eine ausgesprochen lange Beschriftung, die niemals in eine Zeile passt'; Toggle { label: 'long' } }
-        SettingRow { label: 'Sichtbarkeit'; Choice { label: 'wide'; current: 'a'
-            options: [{ value: 'a', title: 'Immer und überall sichtbar' }, { value: 'b', title: 'Automatisch' }] } }
-        SettingRow { label: 'Kurz'; Toggle { label: 'short' } } })");
-    const auto clipped = [](auto&& self, const QQuickItem& parent) -> QString {
-        for (const QQuickItem* child : parent.childItems()) {
-            if (child->isVisible() && child->property("text").isValid()
-                && child->height() < child->implicitHeight() - 1)
-                return child->property("text").toString();
-            if (QString found = self(self, *child); !found.isEmpty())
-                return found;
-        }
-        return {};
-    };
-    for (const double scale : { 1.0, 1.5, 2.5 }) {
-        appearance.current.textScale = scale;
-        Q_EMIT appearance.changed();
-        window.grabWindow(); // lays out
-        EXPECT_EQ(clipped(clipped, section), QString()) << scale;
-        for (const char* name : { "long", "wide", "short" }) {
-            const QQuickItem* control = shown(name);
-            const QRectF frame = control->mapRectToItem(&section, control->boundingRect());
-            EXPECT_TRUE(section.boundingRect().contains(frame)) << name << ' ' << scale;
-        }
-        EXPECT_GE(shown("wide")->parentItem()->y(), theme.bodyFont().pixelSize()) << "below its label";
-    }
 }
 
 } // namespace

@@ -44,34 +44,6 @@ TEST(SurfaceShape, GrowsOutOfItsEdge)
     }
 }
 
-TEST(SurfacePicture, StretchesInTheMiddleAlone)
-{
-    const QColor fill(10, 20, 30, 200);
-    for (const Anchor anchor : { Anchor::None, Anchor::Left, Anchor::Right, Anchor::Bottom }) {
-        for (const auto& [ratio, shadow] : { std::pair(1.0, 0.0), { 1.0, 0.25 }, { 1.5, 0.25 }, { 3.0, 0.25 } }) {
-            SCOPED_TRACE(testing::Message() << static_cast<int>(anchor) << " at " << ratio << " shadow " << shadow);
-            const SurfacePicture drawn =
-                drawSurface({ .anchor = anchor }, { .fill = fill, .hairline = Qt::white, .shadow = shadow }, ratio);
-            const QSize size = drawn.image.size();
-            EXPECT_EQ(size.width() - drawn.corners.left() - drawn.corners.right(), 1);
-            EXPECT_EQ(size.height() - drawn.corners.top() - drawn.corners.bottom(), 1);
-            // A shadow under a translucent surface would make it darker and less translucent.
-            const QColor middle = drawn.image.pixelColor(size.width() / 2, size.height() / 2);
-            EXPECT_EQ(middle.alpha(), fill.alpha());
-            EXPECT_NEAR(middle.blue(), fill.blue(), 1);
-            const int away = anchor == Anchor::Left ? size.width() - 1 : 0;
-            EXPECT_LE(drawn.image.pixelColor(away, 0).alpha(), 2) << "the shadow is cut off";
-        }
-    }
-}
-
-TEST(TilePictures, EveryWidgetHasColoursOfItsOwn)
-{
-    std::set<QRgb> seen{ tilePicture(widget(QStringLiteral("nothing")), 36).pixel(18, 3) };
-    for (const WidgetKind kind : allCases<WidgetKind>())
-        EXPECT_TRUE(seen.insert(tilePicture(widget(rawValue(kind)), 36).pixel(18, 3)).second) << int(kind);
-}
-
 TEST(TilePictures, ShowWhatTheyAreToldTo)
 {
     TileLook look = widget(QStringLiteral("ai"));
@@ -83,6 +55,14 @@ TEST(TilePictures, ShowWhatTheyAreToldTo)
     EXPECT_LT(tilePicture(look, 48).pixelColor(24, 4).lightness(), 100);
 
     const QColor red(Qt::red);
+    look.dark = false;
+    look.share = 0.5;
+    const QImage half = tilePicture(look, 48);
+    EXPECT_LT(half.pixelColor(36, 24).lightness(), half.pixelColor(11, 24).lightness())
+        << "dark on a light tile, from the top by the right";
+    look.share = 0.9;
+    EXPECT_NE(tilePicture(look, 48), half);
+
     look.image = icon(red);
     EXPECT_EQ(tilePicture(look, 48).pixelColor(1, 24), red) << "an application's icon is the tile";
     look.framed = true;

@@ -12,9 +12,9 @@ using test::StyleViews;
 
 constexpr char sessions[] = R"(
         AgentList { width: 360; limit: 2; errorLines: ["Broken file"]; rows: ListModel {
-            ListElement { agentSymbol: "sparkle"; project: "kestro"; stateWord: "Needs input"; stateName: "needsInput"; ago: "now" }
-            ListElement { agentSymbol: "cursorarrow.rays"; project: ""; stateWord: "Done"; stateName: "done"; ago: "2m ago" }
-            ListElement { agentSymbol: "sparkle"; project: "third"; stateWord: "Idle"; stateName: "idle"; ago: "1h ago" }
+            ListElement { sessionId: "x"; lostWay: ""; agentSymbol: "sparkle"; project: "kestro"; stateWord: "Needs input"; stateName: "needsInput"; ago: "now" }
+            ListElement { sessionId: "x"; lostWay: ""; agentSymbol: "cursorarrow.rays"; project: ""; stateWord: "Done"; stateName: "done"; ago: "2m ago" }
+            ListElement { sessionId: "x"; lostWay: ""; agentSymbol: "sparkle"; project: "third"; stateWord: "Idle"; stateName: "idle"; ago: "1h ago" }
         } })";
 
 TEST_F(StyleViews, AreNamedByWhatTheyShow)
@@ -30,14 +30,6 @@ TEST_F(StyleViews, AreNamedByWhatTheyShow)
         item.reset();
         EXPECT_EQ(names(show(qml)).join(QLatin1Char('|')), QString::fromUtf8(expected)) << qml;
     }
-}
-
-TEST_F(StyleViews, ShowTheirBarOnlyWithALevel)
-{
-    QQuickItem& bar = show("MeterBar { width: 100; level: -1 }");
-    EXPECT_FALSE(bar.isVisible());
-    bar.setProperty("level", 0);
-    EXPECT_TRUE(bar.isVisible());
 }
 
 TEST_F(StyleViews, APressByAnyHandIsOnePress)
@@ -72,37 +64,6 @@ TEST_F(StyleViews, TheSpinnerRestsWhileItIsNotSeen)
     }
     window.hide();
     EXPECT_FALSE(spinner->isTurning());
-}
-
-TEST_F(StyleViews, FiguresDoNotDance)
-{
-    Figures figures;
-    figures.setFont(theme.captionFont());
-    std::set<qreal> widths;
-    for (const char* text : { "111m ago", "888m ago" }) {
-        figures.setText(QLatin1String(text));
-        widths.insert(figures.implicitWidth());
-    }
-    EXPECT_EQ(widths.size(), 1U);
-}
-
-TEST_F(StyleViews, EveryPieceLoadsAndFollowsTheTheme)
-{
-    QQuickItem& column = show(R"(Column {
-        Tile { kind: "ai"; symbol: Symbols.sparkle }
-        Badge { wingState: "working" }
-        CardSurface { width: 100; height: 60 }
-        DockSurface { width: 60; height: 10; anchorEdge: "bottom"; tintName: "blue" }
-        ToolTipBubble { text: "AI" }
-        HoverButton { symbol: Symbols.xmark; label: "Close" }
-        MenuDivider { width: 100 }
-    })");
-    const auto fill = [&] { return column.childItems().at(2)->property("fill").value<QColor>(); };
-    const QColor light = fill();
-    appearance.current.dark = true;
-    Q_EMIT appearance.changed();
-    EXPECT_NE(fill(), light);
-    EXPECT_FALSE(window.grabWindow().isNull());
 }
 
 } // namespace

@@ -198,10 +198,10 @@ class Test(DesktopTest):
         self.addCleanup(subprocess.run, ["setxkbmap", "us"], check=True)
         kestro = self.using(Kestro({"agentsEnabled": True}))
         self.open_settings(kestro).press()
-        self.recorder(kestro, "AI").press()
-        self.says(kestro, "AI", "Type shortcut…")
+        self.recorder(kestro, "Stats").press()
+        self.says(kestro, "Stats", "Type shortcut…")
         Keys().type("ctrl+alt+t")  # on a key that is another letter's elsewhere
-        self.says(kestro, "AI", "⌃⌥K")
+        self.says(kestro, "Stats", "⌃⌥K")
         Keys().type("ctrl+w")
         place = Keys().code("t")
         for layout, here in (("dvorak", "t"), ("de", "k"), ("us,ru", "k"), ("us", "k")):
@@ -210,9 +210,9 @@ class Test(DesktopTest):
                 keys = Keys()
                 self.assertEqual(place, keys.code(here))
                 keys.type(f"ctrl+alt+{here}")
-                kestro.tree.wait("heading", "AI")
+                kestro.tree.wait("heading", "Stats")
                 keys.type("Escape")
-                kestro.tree.wait_gone("heading", "AI")
+                kestro.tree.wait_gone("heading", "Stats")
 
     def test_assign_shortcut_opens_the_item_in_settings(self):
         kestro = self.using(Kestro({"agentsEnabled": True}))

@@ -3,12 +3,16 @@
 
 #include "KestroCore/Agents/HookInstaller.h"
 #include "KestroCore/Agents/HookInstallerError.h"
+#include "KestroCore/Agents/StatusLineInstaller.h"
 
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QTemporaryDir>
 #include <gtest/gtest.h>
 #include <random>
+#include <sys/stat.h>
 
 namespace kestro {
 namespace {
@@ -181,6 +185,64 @@ TEST(HookInstallerProperties, WhatComesGoes)
     }
     EXPECT_GT(installed, 300);
     EXPECT_GT(refused, 30);
+}
+
+/// A status line as a user may have it, and whether a command of ours is in it.
+std::pair<QJsonValue, bool> statusLine(Generator& generate)
+{
+    const std::pair<QJsonValue, bool> lines[] = {
+        { QJsonValue::Undefined, false },
+        { QJsonObject{ { QStringLiteral("command"), QStringLiteral("date") }, { QStringLiteral("padding"), 2 } },
+            false },
+        { QJsonObject{ { QStringLiteral("type"), QStringLiteral("command") } }, false },
+        { QJsonObject{ { QStringLiteral("command"), false } }, false },
+        { QJsonObject{ { QStringLiteral("command"), QStringLiteral("old # ombrel-hook") } }, true },
+    };
+    return lines[generate.below(std::size(lines))];
+}
+
+TEST(HookInstallerProperties, SettingsFilesComeBackFromBothInstallers)
+{
+    // In memory: each write is synced, which takes a disk twenty seconds in all.
+    const QTemporaryDir home(QStringLiteral("/dev/shm/kestro-XXXXXX"));
+    const QString file = home.filePath(QStringLiteral("settings.json"));
+    const QString support = StatusLineInstaller::supportDir(home.path());
+    const auto read = [&file] {
+        QFile settings(file);
+        return settings.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(settings.readAll()).object()
+                                                  : QJsonObject();
+    };
+    const auto apply = [&](bool enabled) {
+        StatusLineInstaller::apply(enabled, file, support);
+        HookInstaller::apply(enabled, Agent::claude, file);
+    };
+    int files = 0;
+    for (unsigned seed = 0; files < 200; ++seed) {
+        SCOPED_TRACE(seed);
+        Generator generate{ std::mt19937(seed) };
+        QJsonObject root = generate.file();
+        const auto [line, isOurs] = statusLine(generate);
+        root[QStringLiteral("statusLine")] = line;
+        const auto hooked = with(root, Agent::claude);
+        if (!hooked)
+            continue; // refused, which the test above looks at
+        QFile settings(file);
+        ASSERT_TRUE(settings.open(QIODevice::WriteOnly) && settings.write(QJsonDocument(root).toJson()) > 0);
+        settings.close();
+        apply(true);
+        struct stat first { };
+        struct stat second { };
+        ASSERT_EQ(::stat(QFile::encodeName(file).constData(), &first), 0);
+        apply(true);
+        ASSERT_EQ(::stat(QFile::encodeName(file).constData(), &second), 0);
+        ASSERT_EQ(first.st_ino, second.st_ino) << "written again";
+        apply(false);
+        QJsonObject expected = without(*hooked, HookInstaller::events(Agent::claude));
+        if (isOurs)
+            expected.remove(QLatin1String("statusLine")); // what was there before our older one, nobody knows
+        ASSERT_EQ(read(), expected) << QJsonDocument(root).toJson().toStdString();
+        ++files;
+    }
 }
 
 } // namespace

@@ -12,18 +12,6 @@ namespace {
 
 using namespace tests;
 
-TEST(HookInstaller, KnowsTheEventsOfEachAgent)
-{
-    const std::pair<Agent, const char*> table[] = {
-        { Agent::claude, "SessionStart UserPromptSubmit PostToolUse PermissionRequest Stop SessionEnd" },
-        { Agent::codex, "SessionStart UserPromptSubmit PostToolUse PermissionRequest Stop SessionEnd Interrupt" },
-        { Agent::cursor, "sessionStart beforeSubmitPrompt postToolUse stop sessionEnd" },
-    };
-    for (const auto& [agent, events] : table)
-        EXPECT_EQ(HookInstaller::events(agent).join(QLatin1Char(' ')), QLatin1String(events));
-    EXPECT_EQ(HookInstaller::uninstall(std::nullopt, {}), "{}\n");
-}
-
 /// The home folder of a user with one file for Claude Code.
 class HookInstallerFiles : public testing::Test {
 protected:

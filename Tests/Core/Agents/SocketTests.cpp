@@ -67,7 +67,7 @@ class Inbox {
 public:
     auto receiver()
     {
-        return [this](const SocketMessage& message) {
+        return [this](const SocketMessage& message, int) {
             const std::lock_guard lock(m_mutex);
             m_ids.push_back(message.event() ? message.event()->sessionID.toStdString() : "limits");
             m_arrived.notify_all();
@@ -309,7 +309,7 @@ TEST_F(Socket, BringsNothingAfterStop)
     std::atomic<bool> stopped = false;
     for (int round = 0; round < 20; ++round) {
         stopped = false;
-        AgentSocket socket(path, [&](const SocketMessage&) { EXPECT_FALSE(stopped); });
+        AgentSocket socket(path, [&](const SocketMessage&, int) { EXPECT_FALSE(stopped); });
         socket.start();
         std::list<SocketClient> clients;
         for (int i = 0; i < 8; ++i)

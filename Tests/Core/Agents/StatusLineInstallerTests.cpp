@@ -196,7 +196,7 @@ TEST_F(StatusLineFiles, TheScriptPassesOnAndShowsTheSame)
         { "echo out; echo err >&2; exit 3 # a note", small, "out\n", "err\n" },
     };
     std::counting_semaphore arrived(0);
-    AgentSocket socket(home("Library/Application Support/Kestro/agents.sock"), [&](const SocketMessage& message) {
+    AgentSocket socket(home("Library/Application Support/Kestro/agents.sock"), [&](const SocketMessage& message, int) {
         if (message.claudeLimits() && message.claudeLimits()->fiveHour->usedPercent == 7)
             arrived.release();
     });

@@ -1,0 +1,78 @@
+#include "Kestro/Agents/AgentProcesses.h"
+
+#include "Kestro/Platform/MainLoop.h"
+
+#include <algorithm>
+
+namespace kestro {
+
+AgentProcesses::AgentProcesses(PeerInspector& peers, const MainLoop& loop, std::function<void(const QString&)> ended)
+    : m_peers(peers)
+    , m_loop(loop)
+    , m_ended(std::move(ended))
+{
+}
+
+void AgentProcesses::heard(const QString& id, const HookOrigin& origin)
+{
+    std::vector<ProcessId> candidates = agentCandidates(origin);
+    if (candidates.empty())
+        return; // it cannot be seen this time; who was known stays known
+    std::vector<ProcessId>& known = m_candidates[id];
+    if (known == candidates)
+        return;
+    std::erase_if(candidates, [this](const ProcessId& each) { return !follow(each); });
+    known = std::move(candidates);
+    dropUnused();
+}
+
+void AgentProcesses::keep(const std::function<bool(const QString&)>& lives)
+{
+    if (std::erase_if(m_candidates, [&lives](const auto& entry) { return !lives(entry.first); }) > 0)
+        dropUnused();
+}
+
+/// Whether it still lives.
+bool AgentProcesses::follow(const ProcessId& process)
+{
+    if (m_processes.contains(process))
+        return true;
+    auto watch = m_peers.watch(process, [this, process] { processEnded(process); });
+    if (!watch)
+        return false;
+    m_processes.emplace(process, Process{ m_loop.now(), std::move(watch) });
+    return true;
+}
+
+bool AgentProcesses::isProven(const ProcessId& process, Date now) const
+{
+    return now - m_processes.at(process).since >= provenAfter;
+}
+
+void AgentProcesses::processEnded(const ProcessId& process)
+{
+    const Date now = m_loop.now();
+    std::vector<QString> over;
+    for (auto& [id, candidates] : m_candidates) {
+        const auto agent = std::ranges::find_if(candidates, [&](const ProcessId& each) { return isProven(each, now); });
+        if (agent != candidates.end() && *agent == process)
+            over.push_back(id);
+        std::erase(candidates, process);
+    }
+    for (const QString& id : over)
+        m_candidates.erase(id);
+    dropUnused();
+    for (const QString& id : over)
+        m_ended(id);
+}
+
+void AgentProcesses::dropUnused()
+{
+    std::erase_if(m_processes, [this](const auto& entry) {
+        return std::ranges::none_of(m_candidates, [&](const auto& session) {
+            return std::ranges::find(session.second, entry.first) != session.second.end();
+        });
+    });
+}
+
+} // namespace kestro

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <optional>
+
+class QKeyEvent;
+
+namespace kestro {
+
+/// What a key does in every window of the program.
+enum class WindowCommand { close, openSettings, quit };
+
+/// The command of a key press, if it is one: Escape or Ctrl-W, Ctrl-comma, Ctrl-Q.
+std::optional<WindowCommand> windowCommand(const QKeyEvent& event);
+
+} // namespace kestro

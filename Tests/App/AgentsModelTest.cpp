@@ -1,0 +1,198 @@
+#include "KestroCore/Agents/HookInstaller.h"
+#include "KestroCore/Agents/StatusLineInstaller.h"
+#include "Tests/App/ModelFixture.h"
+
+#include <gmock/gmock.h>
+
+namespace kestro {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+class AgentsModelTest : public test::ModelFixture {
+protected:
+    bool wrapped() const
+    {
+        QFile file(HookInstaller::configURL(Agent::claude, home.path()));
+        return file.open(QIODevice::ReadOnly) && file.readAll().contains("statusline.sh");
+    }
+    /// A Codex log in which `percent` of the five hours are used.
+    void writeLog(int percent) const
+    {
+        write(".codex/sessions/2026/rollout.jsonl",
+            R"({"timestamp":"2026-05-09T08:00:00Z","payload":{"rate_limits":{"primary":{"used_percent":)"
+                + QByteArray::number(percent) + R"(,"window_minutes":300,"resets_at":4102444800}}}})" + "\n");
+    }
+    void sendLimits(const char* windows)
+    {
+        sendMessage(QByteArray("limits=claude\n{\"rate_limits\":{") + windows + "}}\n");
+    }
+    std::optional<double> codexPercent() const
+    {
+        const auto& limits = model->codexLimits();
+        return limits && limits->fiveHour ? std::optional(limits->fiveHour->usedPercent) : std::nullopt;
+    }
+    /// Waits for the logs to have been read.
+    bool codexComesTo(double percent)
+    {
+        while (codexPercent() != percent) {
+            if (!platform.loop.turnWhenPosted())
+                return false;
+        }
+        return true;
+    }
+};
+
+TEST_F(AgentsModelTest, limitsGoInAndOutWithTheirSwitch)
+{
+    write(".claude/settings.json", R"({"statusLine":{"type":"command","command":"mine"}})");
+    writeLog(12);
+    start().setLimitsEnabled(true);
+    EXPECT_TRUE(wrapped());
+    EXPECT_TRUE(codexComesTo(12));
+    sendLimits(R"("five_hour":{"used_percentage":28.000000000000004,"resets_at":4102444800})");
+    sendLimits(R"("five_hour":{"used_percentage":30})"); // tells nothing: the earlier figures stand
+    ASSERT_TRUE(model->claudeLimits());
+    EXPECT_EQ(model->claudeLimits()->toldAt, platform.loop.now());
+    EXPECT_DOUBLE_EQ(model->limitsTileShare().value_or(-1), 0.28000000000000004);
+    sendLimits(R"("seven_day":{"used_percentage":1,"resets_at":4102444800})");
+    EXPECT_FALSE(model->claudeLimits()->fiveHour) << "each message replaces the whole";
+    EXPECT_EQ(model->limitsTileShare(), 0.12) << "and the tile shows who has a window of five hours";
+
+    model->setLimitsEnabled(false);
+    EXPECT_FALSE(wrapped());
+    EXPECT_FALSE(model->claudeLimits() || model->codexLimits());
+    EXPECT_FALSE(QFile::exists(socketPath()));
+}
+
+TEST_F(AgentsModelTest, codexLogsAreReadAtTheirMomentsAndNoOthers)
+{
+    set("agentsEnabled", true);
+    set("limitsEnabled", true);
+    writeLog(1);
+    start();
+    EXPECT_TRUE(codexComesTo(1));
+
+    writeLog(2);
+    platform.loop.advance(59);
+    model->setExpanded(true);
+    model->setExpanded(false);
+    platform.loop.advance(1);
+    model->setExpanded(true); // a minute after the last time
+    EXPECT_TRUE(codexComesTo(2));
+    writeLog(3);
+    platform.loop.advance(60); // and each minute while it stays open
+    EXPECT_TRUE(codexComesTo(3));
+    model->setExpanded(false);
+
+    writeLog(4);
+    send("Stop", "s", "/", "claude");
+    send("SessionStart", "s", "/", "codex");
+    send("Stop", "s", "/", "codex");
+    EXPECT_TRUE(codexComesTo(4));
+    QFile::remove(home.filePath(QStringLiteral(".codex/sessions/2026/rollout.jsonl")));
+    model->refreshCodexLimits();
+    ASSERT_TRUE(platform.loop.turnWhenPosted());
+    EXPECT_EQ(codexPercent(), 4) << "what was found stands until something newer is";
+}
+
+TEST_F(AgentsModelTest, failuresOfLimitsAreToldInTheirOwnWords)
+{
+    write(".claude/settings.json", R"({"statusLine":"a text"})");
+    write("Library/Application Support/Kestro", "in the way of the socket's folder");
+    start().setLimitsEnabled(true);
+    EXPECT_THAT(model->limitErrorLines(),
+        ElementsAre(
+            testing::ResultOf([](const QString& line) { return line.toStdString(); }, StartsWith("Couldn't update ")),
+            QStringLiteral("Live data unavailable")));
+    EXPECT_THAT(model->agentErrorLines(), IsEmpty());
+    model->setLimitsEnabled(false);
+    EXPECT_THAT(model->limitErrorLines(), IsEmpty()) << "nothing of ours is in the file, and nobody waits for data";
+}
+
+TEST_F(AgentsModelTest, aWindowThatPassesEmptiesTheTile)
+{
+    set("limitsEnabled", true);
+    start();
+    const double soon = platform.loop.now().seconds + Date::unixEpochOffset + 90;
+    sendLimits(
+        ("\"five_hour\":{\"used_percentage\":50,\"resets_at\":" + QByteArray::number(soon, 'f', 0) + '}').constData());
+    EXPECT_EQ(model->limitsTileShare(), 0.5);
+    int changes = 0;
+    QObject::connect(model.get(), &AppModel::changed, model.get(), [&] { ++changes; });
+    platform.loop.advance(89);
+    EXPECT_EQ(changes, 0);
+    platform.loop.advance(1);
+    EXPECT_EQ(changes, 1) << "once, at that moment";
+    EXPECT_EQ(model->limitsTileShare(), 0);
+    EXPECT_EQ(platform.loop.waiting(), 0);
+}
+
+TEST_F(AgentsModelTest, aConversationOfCursorIsNotHeardTwice)
+{
+    QDir(home.path()).mkdir(QStringLiteral(".cursor"));
+    start().setAgentsEnabled(true);
+    constexpr char version[] = R"(,"cursor_version":"1.7.2")";
+    send("UserPromptSubmit", "c", "/p", "claude", version);
+    EXPECT_EQ(stateOf("c"), std::nullopt);
+    send("UserPromptSubmit", "c", "/p", "codex", version);
+    EXPECT_EQ(stateOf("c"), AgentState::working) << "only Claude's hooks are run by Cursor";
+    model->setCursorEnabled(false);
+    send("UserPromptSubmit", "d", "/p", "claude", version);
+    EXPECT_EQ(stateOf("d"), AgentState::working) << "without Cursor's own hook this is the only word of it";
+}
+
+TEST_F(AgentsModelTest, aSessionGoesWithItsAgent)
+{
+    set("agentsEnabled", true);
+    start();
+    const ProcessId claude{ 10, 100 };
+    platform.peers.origin.ancestors = { { { 11, 110 }, { "nc" } }, { claude, { "node", "claude" } } };
+    send("UserPromptSubmit");
+    send("SomethingElse", "unknown");
+    EXPECT_EQ(platform.peers.watches(), 1);
+    platform.loop.advance(3);
+    platform.peers.end({ 10, 101 });
+    EXPECT_EQ(stateOf("s"), AgentState::working) << "a namesake";
+    platform.peers.end(claude);
+    EXPECT_EQ(stateOf("s"), std::nullopt);
+    EXPECT_EQ(platform.loop.waiting(), 0) << "and the ticker sleeps";
+
+    platform.peers.origin.ancestors[1].id = { 12, 120 };
+    send("UserPromptSubmit");
+    model->setAgentsEnabled(false);
+    EXPECT_EQ(platform.peers.watches(), 0);
+}
+
+TEST_F(AgentsModelTest, theShortcutGoesToWhoHasWaitedLongest)
+{
+    set("agentsEnabled", true);
+    start();
+    const KeyCombo combo{ 0, KeyCombo::control | KeyCombo::option };
+    EXPECT_EQ(model->shortcut(ShortcutOwner::waitingAgent()), std::nullopt) << "none unless it is given one";
+    EXPECT_EQ(model->setShortcut(combo, ShortcutOwner::waitingAgent()), std::nullopt);
+    EXPECT_EQ(stored("waitingAgentShortcut"), KeyCombo::encodeStored(combo));
+
+    platform.windows.windows = { { 1, 10, {} }, { 2, 20, {} } };
+    for (const qint64 pid : { 10, 20 }) {
+        const HookOrigin origin{ { { { pid, 1 }, { "sh" } } }, {}, {}, {} };
+        platform.peers.processes[pid] = origin;
+        platform.peers.origin = origin;
+        send("PermissionRequest", pid == 10 ? "first" : "second");
+        platform.loop.advance(1);
+    }
+    EXPECT_TRUE(platform.hotKeys.press(combo));
+    EXPECT_THAT(platform.windows.raised, ElementsAre(1));
+    send("PostToolUse", "first");
+    EXPECT_TRUE(platform.hotKeys.press(combo));
+    EXPECT_THAT(platform.windows.raised, ElementsAre(1, 2));
+    model->setAgentsEnabled(false);
+    EXPECT_FALSE(platform.hotKeys.press(combo)) << "not offered for what is off";
+}
+
+} // namespace
+
+} // namespace kestro
