@@ -105,19 +105,6 @@ TEST_F(SettingsListsTest, shortcutsFollowTheLayout)
     EXPECT_EQ(QStringLiteral("Record Shortcut"), here->label());
 }
 
-TEST_F(SettingsListsTest, theItemThatWasAskedForIsSelected)
-{
-    LayoutList list(*model);
-    EXPECT_EQ(-1, list.selectedRow());
-    list.addApps({ QStringLiteral("/Editor.desktop") });
-    model->setSettingsTarget(model->launcher().store().items().at(1).id);
-    EXPECT_EQ(1, list.selectedRow());
-    list.moveBy(1, -1);
-    EXPECT_EQ(0, list.selectedRow());
-    list.remove(0);
-    EXPECT_EQ(-1, list.selectedRow());
-}
-
 } // namespace
 
 } // namespace kestro

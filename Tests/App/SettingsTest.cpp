@@ -37,25 +37,6 @@ TEST(AppearanceSettingsTest, listsTheScreensAndTheOneThatIsMissing)
     EXPECT_EQ(titles(), QStringLiteral("Main screen|A|B|C (disconnected) — using main screen"));
 }
 
-TEST(SettingsPanesTest, areFoundByTheirTitleAndTheWordsOfTheirRows)
-{
-    const std::pair<const char*, const char*> cases[] = {
-        { "", "General Appearance Layout Agents Shortcuts" },
-        { " LOGIN ", "General" },
-        { "tint", "Appearance" },
-        { "claude code", "Agents" },
-        { "code claude", "Agents" },
-        { "login claude", "" },
-        { "zz", "" },
-    };
-    for (const auto& [text, expected] : cases) {
-        QStringList titles;
-        for (const PaneEntry& each : settingsPanes(QLatin1String(text)))
-            titles.append(each.title);
-        EXPECT_EQ(titles.join(QLatin1Char(' ')), QLatin1String(expected)) << text;
-    }
-}
-
 /// The window as the delegate opens it, on a screen of 1920 by 1080.
 class SettingsWindowTest : public testing::Test {
 protected:

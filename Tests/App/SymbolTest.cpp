@@ -62,5 +62,23 @@ TEST(Symbols, RenderWholeAtEverySizeInWhiteAndBlack)
     }
 }
 
+TEST(Symbols, AreUnlikeEachOther)
+{
+    const QList<QLatin1StringView> names = symbols::all();
+    for (const int pixels : { 12, 13, 16, 24, 36, 64 }) {
+        for (qsizetype i = 0; i < names.size(); ++i) {
+            const QImage one = symbols::picture(names[i], pixels, Qt::black);
+            for (qsizetype j = i + 1; j < names.size(); ++j) {
+                const QImage other = symbols::picture(names[j], pixels, Qt::black);
+                const auto apart = [](QRgb a, QRgb b) { return std::abs(qAlpha(a) - qAlpha(b)); };
+                const auto either = [](QRgb a, QRgb b) { return std::max(qAlpha(a), qAlpha(b)); };
+                // Two discs that differ in their mark are the nearest that may be.
+                EXPECT_GT(summed(one, other, apart), 0.1 * summed(one, other, either))
+                    << names[i].data() << " and " << names[j].data() << " at " << pixels;
+            }
+        }
+    }
+}
+
 } // namespace
 } // namespace kestro

@@ -140,16 +140,6 @@ TEST_F(TrayItemTest, WaitsForAPanel)
     EXPECT_TRUE(waitFor([&] { return !m_fallback.shown; }));
 }
 
-TEST(TrayItem, UsesTheOtherWayWhereThereIsNoBus)
-{
-    FallbackItem fallback;
-    TrayItem item(QDBusConnection(QString()), fallback, {});
-    item.show(drawing, {});
-    EXPECT_TRUE(fallback.shown);
-    item.hide();
-    EXPECT_FALSE(fallback.shown);
-}
-
 TEST_F(TrayItemTest, TellsWhatThePanelDraws)
 {
     show();
@@ -228,20 +218,6 @@ TEST_F(TrayItemTest, RunsWhatIsClickedOnceAndNothingElse)
     menu.setEntries({});
     settle();
     EXPECT_EQ(m_runs.size(), 3);
-}
-
-TEST_F(TrayItemTest, PassesPressesOn)
-{
-    QSignalSpy activated(&m_item, &StatusItem::activated);
-    QSignalSpy menu(&m_item, &StatusItem::menuRequested);
-    show();
-    for (const char* const method : { "Activate", "SecondaryActivate", "ContextMenu" })
-        ask(u"/StatusNotifierItem"_s, itemInterface, QLatin1String(method), { 40, 60 });
-    EXPECT_EQ(activated.size(), 2);
-    ASSERT_EQ(menu.size(), 1);
-    EXPECT_EQ(menu[0][0].toPointF(), QPointF(20, 30));
-    Q_EMIT m_fallback.menuRequested({ 1, 2 });
-    EXPECT_EQ(menu.size(), 2);
 }
 
 } // namespace
