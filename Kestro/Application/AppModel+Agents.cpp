@@ -124,8 +124,13 @@ void AppModel::raiseSession(const QString& id)
 
 void AppModel::raiseWaitingAgent()
 {
-    if (const auto waiting = m_wayBack.longestWaiting())
-        raiseSession(*waiting);
+    const auto waiting = m_wayBack.longestWaiting();
+    if (!waiting)
+        return;
+    raiseSession(*waiting);
+    // A key that does nothing would leave the user guessing; the row says why.
+    if (m_wayBack.lost().contains(*waiting))
+        showCard(WidgetKind::ai);
 }
 
 void AppModel::tick()

@@ -189,6 +189,11 @@ TEST_F(AgentsModelTest, theShortcutGoesToWhoHasWaitedLongest)
     send("PostToolUse", "first");
     EXPECT_TRUE(platform.hotKeys.press(combo));
     EXPECT_THAT(platform.windows.raised, ElementsAre(1, 2));
+    std::optional<WidgetKind> shown;
+    model->showCard = [&](WidgetKind kind) { shown = kind; };
+    platform.windows.windows.clear();
+    EXPECT_TRUE(platform.hotKeys.press(combo));
+    EXPECT_EQ(shown, WidgetKind::ai) << "where the row says that there is no way";
     model->setAgentsEnabled(false);
     EXPECT_FALSE(platform.hotKeys.press(combo)) << "not offered for what is off";
 }
