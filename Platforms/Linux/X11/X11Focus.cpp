@@ -13,6 +13,14 @@ bool canBeSeen(X11Connection& connection, xcb_window_t window)
     return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
 }
 
+} // namespace
+
+xcb_window_t focusedWindow(X11Connection& connection)
+{
+    const auto reply = connection.reply(xcb_get_input_focus_reply, xcb_get_input_focus(connection.raw()));
+    return reply ? reply->focus : XCB_NONE;
+}
+
 xcb_window_t activeWindow(X11Connection& connection)
 {
     const auto reply = connection.reply(xcb_get_property_reply,
@@ -21,14 +29,6 @@ xcb_window_t activeWindow(X11Connection& connection)
     if (!reply || xcb_get_property_value_length(reply.get()) != sizeof(xcb_window_t))
         return XCB_NONE;
     return *static_cast<const xcb_window_t*>(xcb_get_property_value(reply.get()));
-}
-
-} // namespace
-
-xcb_window_t focusedWindow(X11Connection& connection)
-{
-    const auto reply = connection.reply(xcb_get_input_focus_reply, xcb_get_input_focus(connection.raw()));
-    return reply ? reply->focus : XCB_NONE;
 }
 
 // With a time: a focus that somebody else has set later stays theirs. Once the window has gone, the pointer decides

@@ -1,71 +1,52 @@
 #include "Platforms/Linux/X11/X11Windows.h"
 
 #include "Platforms/Linux/X11/X11Connection.h"
+#include "Platforms/Linux/X11/X11Focus.h"
 
 #include <algorithm>
-#include <cstring>
-#include <xcb/xproto.h>
+#include <optional>
+#include <span>
 
 namespace kestro {
 
 namespace {
 
-constexpr uint32_t mostLongs = 4096; // of a property, in units of four bytes
-constexpr uint32_t everyDesktop = 0xFFFFFFFF;
-constexpr uint32_t fromPager = 2; // the user asked for it: window managers do not take it for a theft of the focus
+constexpr uint32_t longestList = 16'384; // in 32-bit units, as the server counts what is asked for
+constexpr uint32_t longestTitle = 1024;
+constexpr quint32 onAllDesktops = 0xFFFFFFFF;
+constexpr quint32 fromPager = 2; // what the user asked for elsewhere than in the window: not to be refused
 
-xcb_get_property_cookie_t ask(X11Connection& connection, xcb_window_t window, const char* property)
+using Property = XcbOwned<xcb_get_property_reply_t>;
+
+xcb_get_property_cookie_t ask(
+    X11Connection& connection, xcb_window_t window, const char* name, xcb_atom_t type, uint32_t longest = 1)
 {
-    return xcb_get_property(
-        connection.raw(), false, window, connection.atom(property), XCB_GET_PROPERTY_TYPE_ANY, 0, mostLongs);
+    return xcb_get_property(connection.raw(), false, window, connection.atom(name), type, 0, longest);
 }
 
-QByteArray bytesOf(X11Connection& connection, xcb_get_property_cookie_t cookie)
+Property answer(X11Connection& connection, xcb_get_property_cookie_t cookie)
 {
-    const auto reply = connection.reply(xcb_get_property_reply, cookie);
-    if (!reply)
+    return connection.reply(xcb_get_property_reply, cookie);
+}
+
+std::span<const quint32> numbersIn(const Property& property)
+{
+    if (!property || property->format != 32)
         return {};
-    return { static_cast<const char*>(xcb_get_property_value(reply.get())),
-        xcb_get_property_value_length(reply.get()) };
+    return { static_cast<const quint32*>(xcb_get_property_value(property.get())), property->value_len };
 }
 
-std::vector<uint32_t> numbersOf(X11Connection& connection, xcb_get_property_cookie_t cookie)
+std::optional<quint32> numberIn(const Property& property)
 {
-    const QByteArray bytes = bytesOf(connection, cookie);
-    std::vector<uint32_t> numbers(static_cast<std::size_t>(bytes.size()) / sizeof(uint32_t));
-    std::memcpy(numbers.data(), bytes.constData(), numbers.size() * sizeof(uint32_t));
-    return numbers;
+    const auto numbers = numbersIn(property);
+    return numbers.empty() ? std::nullopt : std::optional(numbers.front());
 }
 
-uint32_t numberOf(X11Connection& connection, xcb_get_property_cookie_t cookie, uint32_t otherwise)
+QByteArray textIn(const Property& property)
 {
-    const auto numbers = numbersOf(connection, cookie);
-    return numbers.empty() ? otherwise : numbers.front();
-}
-
-/// The managed windows, the lowest first.
-std::vector<uint32_t> clients(X11Connection& connection)
-{
-    const auto stacked = ask(connection, connection.root(), "_NET_CLIENT_LIST_STACKING");
-    const auto listed = ask(connection, connection.root(), "_NET_CLIENT_LIST");
-    auto windows = numbersOf(connection, stacked);
-    auto all = numbersOf(connection, listed);
-    // xfwm4 does not write the first for a single window.
-    return windows.empty() ? all : windows;
-}
-
-void tell(X11Connection& connection, xcb_window_t window, const char* message, uint32_t first, uint32_t second = 0)
-{
-    xcb_client_message_event_t event{};
-    event.response_type = XCB_CLIENT_MESSAGE;
-    event.format = 32;
-    event.window = window;
-    event.type = connection.atom(message);
-    event.data.data32[0] = first;
-    event.data.data32[1] = second;
-    xcb_send_event(connection.raw(), false, connection.root(),
-        XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
-        reinterpret_cast<const char*>(&event));
+    if (!property || property->format != 8)
+        return {};
+    return { static_cast<const char*>(xcb_get_property_value(property.get())), qsizetype(property->value_len) };
 }
 
 } // namespace
@@ -73,52 +54,111 @@ void tell(X11Connection& connection, xcb_window_t window, const char* message, u
 X11Windows::X11Windows(X11Connection& connection)
     : m_connection(connection)
 {
+    // The root tells of its properties already: X11Screens listens to them.
+    m_connection.onEvent(XCB_PROPERTY_NOTIFY, &m_context, [this](const xcb_generic_event_t& event) {
+        const auto& notice = reinterpret_cast<const xcb_property_notify_event_t&>(event);
+        if (notice.window == m_connection.root() && notice.atom == m_connection.atom("_NET_CURRENT_DESKTOP"))
+            desktopChanged();
+    });
+}
+
+// A window manager that has just gone to a desktop may give the focus to who had it there last, whoever was asked for
+// meanwhile.
+void X11Windows::desktopChanged()
+{
+    if (m_awaited == XCB_NONE)
+        return;
+    askManager(m_awaited, "_NET_ACTIVE_WINDOW", { fromPager, m_connection.serverTime(), XCB_NONE });
+    m_awaited = XCB_NONE;
+    m_connection.flush();
+}
+
+// The topmost first. One window manager tells the order only once there are two windows, and not always of the newest.
+std::vector<xcb_window_t> X11Windows::clients() const
+{
+    const auto ordered =
+        ask(m_connection, m_connection.root(), "_NET_CLIENT_LIST_STACKING", XCB_ATOM_WINDOW, longestList);
+    const auto listed = ask(m_connection, m_connection.root(), "_NET_CLIENT_LIST", XCB_ATOM_WINDOW, longestList);
+    const auto stacking = answer(m_connection, ordered);
+    const auto ages = answer(m_connection, listed);
+
+    const auto windows = numbersIn(stacking);
+    std::vector<xcb_window_t> result(windows.begin(), windows.end());
+    for (const xcb_window_t window : numbersIn(ages)) {
+        if (std::ranges::find(windows, window) == windows.end())
+            result.push_back(window);
+    }
+    std::ranges::reverse(result);
+    return result;
 }
 
 std::vector<DesktopWindow> X11Windows::all() const
 {
     struct Asked {
-        uint32_t id;
-        xcb_get_property_cookie_t pid, title, oldTitle;
+        xcb_window_t window;
+        xcb_get_property_cookie_t pid;
+        xcb_get_property_cookie_t title;
+        xcb_get_property_cookie_t oldTitle;
     };
-    // All questions before the first answer: fifty windows cost one way to the server and back.
+    // All questions first, then all answers: one round trip however many windows there are.
+    const xcb_atom_t utf8 = m_connection.atom("UTF8_STRING");
     std::vector<Asked> asked;
-    for (const uint32_t id : clients(m_connection))
-        asked.push_back({ id, ask(m_connection, id, "_NET_WM_PID"), ask(m_connection, id, "_NET_WM_NAME"),
-            ask(m_connection, id, "WM_NAME") });
-    std::vector<DesktopWindow> windows;
-    for (const Asked& each : asked) {
-        DesktopWindow window{ each.id, numberOf(m_connection, each.pid, 0),
-            QString::fromUtf8(bytesOf(m_connection, each.title)) };
-        const QByteArray oldTitle = bytesOf(m_connection, each.oldTitle);
-        if (window.title.isEmpty())
-            window.title = QString::fromLatin1(oldTitle);
-        windows.push_back(std::move(window));
+    for (const xcb_window_t window : clients()) {
+        asked.push_back({ window, ask(m_connection, window, "_NET_WM_PID", XCB_ATOM_CARDINAL),
+            ask(m_connection, window, "_NET_WM_NAME", utf8, longestTitle),
+            ask(m_connection, window, "WM_NAME", XCB_ATOM_ANY, longestTitle) });
     }
-    std::ranges::reverse(windows);
+    std::vector<DesktopWindow> windows;
+    windows.reserve(asked.size());
+    for (const Asked& question : asked) {
+        const auto pid = answer(m_connection, question.pid);
+        const auto title = answer(m_connection, question.title);
+        const auto oldTitle = answer(m_connection, question.oldTitle);
+        if (!pid)
+            continue; // it went while it was asked
+        const bool isLatin = oldTitle && oldTitle->type == XCB_ATOM_STRING;
+        QString text = QString::fromUtf8(textIn(title));
+        if (text.isEmpty())
+            text = isLatin ? QString::fromLatin1(textIn(oldTitle)) : QString::fromUtf8(textIn(oldTitle));
+        windows.push_back({ question.window, qint64(numberIn(pid).value_or(0)), std::move(text) });
+    }
     return windows;
 }
 
-quint32 X11Windows::active() const
-{
-    return numberOf(m_connection, ask(m_connection, m_connection.root(), "_NET_ACTIVE_WINDOW"), 0);
-}
+quint32 X11Windows::active() const { return x11::activeWindow(m_connection); }
 
+// The desktop by itself and first: some window managers bring the window to the user's desktop instead.
 bool X11Windows::raise(quint32 id)
 {
-    const auto windows = clients(m_connection);
-    if (std::ranges::find(windows, id) == windows.end())
+    const auto desktopOf = ask(m_connection, id, "_NET_WM_DESKTOP", XCB_ATOM_CARDINAL);
+    const auto shown = ask(m_connection, m_connection.root(), "_NET_CURRENT_DESKTOP", XCB_ATOM_CARDINAL);
+    const auto windows = clients();
+    const auto desktopAnswer = answer(m_connection, desktopOf);
+    const auto current = numberIn(answer(m_connection, shown));
+    if (!desktopAnswer || std::ranges::find(windows, id) == windows.end())
         return false;
-    const auto desktop = ask(m_connection, id, "_NET_WM_DESKTOP");
-    const auto current = ask(m_connection, m_connection.root(), "_NET_CURRENT_DESKTOP");
-    const uint32_t own = numberOf(m_connection, desktop, everyDesktop);
-    const xcb_timestamp_t now = m_connection.serverTime();
-    // Asked for the window alone, openbox would bring it to the desktop where the user is.
-    if (numberOf(m_connection, current, own) != own && own != everyDesktop)
-        tell(m_connection, m_connection.root(), "_NET_CURRENT_DESKTOP", own, now);
-    tell(m_connection, id, "_NET_ACTIVE_WINDOW", fromPager, now);
+    const auto desktop = numberIn(desktopAnswer);
+    const xcb_timestamp_t time = m_connection.serverTime();
+    const bool isElsewhere = desktop && current && *desktop != onAllDesktops && *desktop != *current;
+    m_awaited = isElsewhere ? id : XCB_NONE;
+    if (isElsewhere)
+        askManager(m_connection.root(), "_NET_CURRENT_DESKTOP", { *desktop, time });
+    askManager(id, "_NET_ACTIVE_WINDOW", { fromPager, time, XCB_NONE });
     m_connection.flush();
     return true;
+}
+
+void X11Windows::askManager(xcb_window_t window, const char* what, const std::vector<quint32>& numbers)
+{
+    xcb_client_message_event_t event{};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = window;
+    event.type = m_connection.atom(what);
+    std::ranges::copy(numbers, std::begin(event.data.data32));
+    xcb_send_event(m_connection.raw(), false, m_connection.root(),
+        XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+        reinterpret_cast<const char*>(&event));
 }
 
 } // namespace kestro

@@ -2,6 +2,10 @@
 
 #include "Kestro/Platform/DesktopWindows.h"
 
+#include <QObject>
+#include <vector>
+#include <xcb/xproto.h>
+
 namespace kestro {
 
 class X11Connection;
@@ -17,7 +21,14 @@ public:
     bool raise(quint32 id) override;
 
 private:
+    std::vector<xcb_window_t> clients() const;
+    void askManager(xcb_window_t window, const char* what, const std::vector<quint32>& numbers);
+
+    void desktopChanged();
+
     X11Connection& m_connection;
+    QObject m_context; ///< of what listens to the connection
+    xcb_window_t m_awaited = XCB_NONE; ///< to be asked for again once its desktop shows
 };
 
 } // namespace kestro

@@ -119,19 +119,33 @@ public:
     {
         const auto isSet = [&] { return hasAtoms(own, "_NET_WM_STATE", { "_NET_WM_STATE_SKIP_PAGER" }); };
         const bool wanted = !isSet();
+        ask(own, "_NET_WM_STATE", { wanted ? 1U : 0U, connection.atom("_NET_WM_STATE_SKIP_PAGER"), 0, 1 });
+        EXPECT_TRUE(waitFor([&] { return isSet() == wanted; }));
+    }
+    /// Asks the window manager for something, as pagers do.
+    void ask(xcb_window_t window, const char* what, std::initializer_list<uint32_t> numbers)
+    {
         xcb_client_message_event_t event = {};
         event.response_type = XCB_CLIENT_MESSAGE;
         event.format = 32;
-        event.window = own;
-        event.type = connection.atom("_NET_WM_STATE");
-        event.data.data32[0] = wanted ? 1 : 0;
-        event.data.data32[1] = connection.atom("_NET_WM_STATE_SKIP_PAGER");
-        event.data.data32[3] = 1;
+        event.window = window;
+        event.type = connection.atom(what);
+        std::copy(numbers.begin(), numbers.end(), event.data.data32);
         xcb_send_event(raw, false, connection.root(),
             XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
             reinterpret_cast<const char*>(&event));
         sync();
-        EXPECT_TRUE(waitFor([&] { return isSet() == wanted; }));
+    }
+    void setProperty(xcb_window_t window, const char* name, xcb_atom_t type, const QList<uint32_t>& values)
+    {
+        xcb_change_property(raw, XCB_PROP_MODE_REPLACE, window, connection.atom(name), type, 32,
+            uint32_t(values.size()), values.constData());
+    }
+    void setText(xcb_window_t window, const char* name, const char* type, const QByteArray& text)
+    {
+        xcb_change_property(raw, XCB_PROP_MODE_REPLACE, window, connection.atom(name), connection.atom(type), 8,
+            uint32_t(text.size()), text.constData());
+        sync();
     }
     void sync() { connection.reply(xcb_get_input_focus_reply, xcb_get_input_focus(raw)); }
 
@@ -156,11 +170,6 @@ private:
     {
         xcb_map_window(raw, window);
         sync();
-    }
-    void setProperty(xcb_window_t window, const char* name, xcb_atom_t type, const QList<uint32_t>& values)
-    {
-        xcb_change_property(raw, XCB_PROP_MODE_REPLACE, window, connection.atom(name), type, 32,
-            uint32_t(values.size()), values.constData());
     }
     void fake(uint8_t event, uint8_t button, QPoint at)
     {
