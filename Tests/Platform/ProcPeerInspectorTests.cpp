@@ -51,10 +51,11 @@ protected:
         writeFile(folder + u"/cmdline"_s, command);
         writeFile(folder + u"/environ"_s, environment);
     }
-    std::vector<qint64> chainOf(qint64 pid) const
+    std::vector<qint64> chainOf(qint64 pid) const { return chainOf(pid, ProcPeerInspector(root.path())); }
+    static std::vector<qint64> chainOf(qint64 pid, const ProcPeerInspector& inspector)
     {
         std::vector<qint64> pids;
-        for (const ProcessInfo& each : ProcPeerInspector(root.path()).process(pid).ancestors)
+        for (const ProcessInfo& each : inspector.process(pid).ancestors)
             pids.push_back(each.id.pid);
         return pids;
     }
@@ -101,6 +102,29 @@ TEST_F(ProcTree, NamesAndThreeVariablesAreRead)
     EXPECT_EQ(origin.tmux, "/tmp/t,1,0");
     EXPECT_EQ(origin.tmuxPane, "%3");
     EXPECT_THAT(agentCandidates(origin), ElementsAre(ProcessId{ 10, 10 }));
+}
+
+TEST_F(ProcTree, WhatIsKnownIsReadAgainWhereAProcessIsNotTheSame)
+{
+    add(10, 1, 10, "xterm");
+    add(20, 10, 20, "bash");
+    add(30, 20, 30, "claude");
+    add(41, 30, 41, "nc");
+    const ProcPeerInspector inspector(root.path());
+    EXPECT_THAT(chainOf(41, inspector), ElementsAre(41, 30, 20, 10));
+
+    add(11, 1, 11, "tmux");
+    add(30, 11, 30, "claude"); // its shell has ended
+    add(42, 30, 42, "nc");
+    EXPECT_THAT(chainOf(42, inspector), ElementsAre(42, 30, 11));
+    add(30, 11, 30, "codex"); // another program in the same process
+    add(43, 30, 43, "nc");
+    EXPECT_EQ(inspector.process(43).ancestors.at(1).names.front(), "codex");
+    add(42, 20, 50, "nc"); // the number's second owner
+    EXPECT_THAT(chainOf(42, inspector), ElementsAre(42, 20, 10));
+    add(20, 1, 60, "bash"); // and of this one, younger than its child
+    EXPECT_THAT(chainOf(20, inspector), ElementsAre(20));
+    EXPECT_THAT(chainOf(42, inspector), ElementsAre(42));
 }
 
 /// A shell under another name, which runs until its input ends.

@@ -45,16 +45,6 @@ private:
     QSocketNotifier* m_notifier; // goes by itself
 };
 
-/// Whether one of the variables was found.
-bool readVariables(int root, qint64 pid, HookOrigin& origin)
-{
-    const auto values = proc::variables(root, pid, { "WINDOWID", "TMUX", "TMUX_PANE" });
-    origin.windowID = values[0];
-    origin.tmux = values[1];
-    origin.tmuxPane = values[2];
-    return !std::ranges::all_of(values, &QByteArray::isEmpty);
-}
-
 } // namespace
 
 ProcPeerInspector::ProcPeerInspector(const QString& root)
@@ -75,37 +65,54 @@ HookOrigin ProcPeerInspector::peer(int connection) const
 
 HookOrigin ProcPeerInspector::process(qint64 pid) const
 {
+    const std::lock_guard lock(m_mutex);
+    if (m_known.size() > mostKnown)
+        m_known.clear();
     HookOrigin origin;
     bool found = false;
+    bool asBefore = false;
     while (pid > init && origin.ancestors.size() < deepest) {
-        const auto stat = proc::stat(m_root.get(), pid);
+        Known* known = look(pid, asBefore);
         // One that is younger than its child has the number of the child's real parent, which has ended.
-        if (!stat || (!origin.ancestors.empty() && stat->startTime > origin.ancestors.back().id.startTime))
+        if (!known || (!origin.ancestors.empty() && known->info.id.startTime > origin.ancestors.back().id.startTime))
             break;
-        const ProcessId id{ pid, stat->startTime };
-        origin.ancestors.push_back({ id, namesOf(id, stat->name) });
-        if (!found && origin.ancestors.size() <= withEnvironment)
-            found = readVariables(m_root.get(), pid, origin);
-        pid = stat->parent;
+        origin.ancestors.push_back(known->info);
+        if (!found && origin.ancestors.size() <= withEnvironment) {
+            if (!known->variables)
+                known->variables = proc::variables(m_root.get(), pid, { "WINDOWID", "TMUX", "TMUX_PANE" });
+            found = !std::ranges::all_of(*known->variables, &QByteArray::isEmpty);
+            origin.windowID = known->variables->at(0);
+            origin.tmux = known->variables->at(1);
+            origin.tmuxPane = known->variables->at(2);
+        }
+        pid = known->parent;
     }
     return origin;
 }
 
-std::vector<QByteArray> ProcPeerInspector::namesOf(const ProcessId& id, const QByteArray& name) const
+/// Null where there is no such process. The agent waits meanwhile, and each file costs it some twenty microseconds:
+/// above a process that is as it was, its parent included, nothing is read again. Further up one may have ended since;
+/// who acts on an ancestor looks at that one.
+ProcPeerInspector::Known* ProcPeerInspector::look(qint64 pid, bool& asBefore) const
 {
-    {
-        const std::lock_guard lock(m_mutex);
-        const auto found = m_known.find(id);
-        if (found != m_known.end() && found->second.front() == name)
-            return found->second;
+    const auto known = m_known.find(pid);
+    if (asBefore && known != m_known.end())
+        return &known->second;
+    const auto stat = proc::stat(m_root.get(), pid);
+    if (!stat)
+        return nullptr;
+    const ProcessId id{ pid, stat->startTime };
+    const bool same =
+        known != m_known.end() && known->second.info.id == id && known->second.info.names.front() == stat->name;
+    asBefore = same && known->second.parent == stat->parent;
+    if (same) {
+        known->second.parent = stat->parent;
+        return &known->second;
     }
-    std::vector<QByteArray> names = proc::programNames(m_root.get(), id.pid);
-    names.insert(names.begin(), name);
-    const std::lock_guard lock(m_mutex);
-    if (m_known.size() >= mostKnown)
-        m_known.clear();
-    m_known.insert_or_assign(id, names);
-    return names;
+    std::vector<QByteArray> names = proc::programNames(m_root.get(), pid);
+    names.insert(names.begin(), stat->name);
+    const Known now{ { id, std::move(names) }, stat->parent, std::nullopt };
+    return &m_known.insert_or_assign(pid, now).first->second;
 }
 
 std::unique_ptr<ProcessWatch> ProcPeerInspector::watch(const ProcessId& process, std::function<void()> ended)

@@ -6,6 +6,8 @@
 #include <QString>
 #include <map>
 #include <mutex>
+#include <optional>
+#include <vector>
 
 namespace kestro {
 
@@ -20,12 +22,16 @@ public:
     std::unique_ptr<ProcessWatch> watch(const ProcessId& process, std::function<void()> ended) override;
 
 private:
-    std::vector<QByteArray> namesOf(const ProcessId& id, const QByteArray& name) const;
+    struct Known {
+        ProcessInfo info;
+        qint64 parent;
+        std::optional<std::vector<QByteArray>> variables; ///< once they were read
+    };
+    Known* look(qint64 pid, bool& asBefore) const;
 
     FileDescriptor m_root;
     mutable std::mutex m_mutex;
-    /// Agents and terminals are met again and again; the first of a process's names tells whether the others hold.
-    mutable std::map<ProcessId, std::vector<QByteArray>> m_known;
+    mutable std::map<qint64, Known> m_known; ///< agents, shells and terminals are met again and again
 };
 
 } // namespace kestro

@@ -19,19 +19,18 @@ constexpr qsizetype environmentBytes = 131'072;
 
 QByteArray pathOf(qint64 pid, const char* file) { return QByteArray::number(pid) + '/' + file; }
 
-/// The first `limit` bytes of the file; empty where it cannot be read.
+/// The first `limit` bytes of the file, and up to a block more; empty where it cannot be read.
 QByteArray read(int root, qint64 pid, const char* file, qsizetype limit)
 {
-    constexpr qsizetype chunk = 4096; // most are smaller, and a large block costs more than the reading
+    std::array<char, 4096> block; // most are smaller
     const FileDescriptor descriptor(::openat(root, pathOf(pid, file).constData(), O_RDONLY | O_CLOEXEC));
     QByteArray bytes;
     while (descriptor && bytes.size() < limit) {
-        const qsizetype filled = bytes.size();
-        bytes.resize(std::min(limit, filled + chunk));
-        const ssize_t count =
-            ::read(descriptor.get(), bytes.data() + filled, static_cast<std::size_t>(bytes.size() - filled));
-        bytes.truncate(filled + std::max<ssize_t>(count, 0));
-        if (count == 0 || (count < 0 && errno != EINTR))
+        const ssize_t count = ::read(descriptor.get(), block.data(), block.size());
+        if (count > 0)
+            bytes.append(block.data(), count);
+        // Up to its end the kernel fills what it is given.
+        if (count < 0 ? errno != EINTR : size_t(count) < block.size())
             break;
     }
     return bytes;
@@ -51,12 +50,18 @@ std::optional<Stat> Stat::parse(QByteArrayView text)
     // Numbered from the state on, which is the third field of the whole.
     constexpr qsizetype parentField = 1;
     constexpr qsizetype startTimeField = 19;
-    const QList<QByteArray> fields = text.sliced(close + 1).trimmed().toByteArray().split(' ');
-    if (fields.size() <= startTimeField || fields.first().size() != 1)
+    std::array<QByteArrayView, startTimeField + 1> fields;
+    QByteArrayView rest = text.sliced(close + 1).trimmed();
+    for (QByteArrayView& field : fields) {
+        const qsizetype end = rest.indexOf(' ');
+        field = end < 0 ? rest : rest.first(end);
+        rest = end < 0 ? QByteArrayView() : rest.sliced(end + 1);
+    }
+    if (fields.front().size() != 1)
         return std::nullopt;
     bool parentRead = false;
     bool startRead = false;
-    const Stat stat{ text.sliced(open + 1, close - open - 1).toByteArray(), fields.first().front(),
+    const Stat stat{ text.sliced(open + 1, close - open - 1).toByteArray(), fields.front().front(),
         fields[parentField].toLongLong(&parentRead), fields[startTimeField].toULongLong(&startRead) };
     return parentRead && startRead ? std::optional(stat) : std::nullopt;
 }
