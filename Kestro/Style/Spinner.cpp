@@ -8,8 +8,6 @@ namespace kestro {
 
 namespace {
 
-constexpr int spokes = 8;
-constexpr int stepMilliseconds = 1000 / spokes;
 constexpr float faintest = 0.18F;
 
 } // namespace
@@ -24,6 +22,7 @@ void Spinner::setColor(const QColor& color)
 {
     if (m_color != color) {
         m_color = color;
+        m_pictures.fill({});
         redraw();
         Q_EMIT colorChanged();
     }
@@ -31,7 +30,10 @@ void Spinner::setColor(const QColor& color)
 
 QImage Spinner::picture(QSize pixels, qreal ratio)
 {
-    QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
+    QImage& image = m_pictures[std::size_t(m_step)];
+    if (image.size() == pixels)
+        return image;
+    image = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
@@ -72,7 +74,7 @@ void Spinner::turnIfSeen()
         return;
     }
     if (seen) {
-        m_timer.start(stepMilliseconds, this);
+        m_timer.start(1000 / spokes, this);
     } else {
         m_timer.stop();
     }

@@ -4,6 +4,7 @@
 
 #include <QBasicTimer>
 #include <QColor>
+#include <array>
 
 namespace kestro {
 
@@ -32,12 +33,15 @@ protected:
     void timerEvent(QTimerEvent* event) override;
 
 private:
+    static constexpr int spokes = 8; // and as many steps a second
+
     void turnIfSeen();
 
     QBasicTimer m_timer;
     QMetaObject::Connection m_windowShown;
     QColor m_color = Qt::gray;
     int m_step = 0;
+    std::array<QImage, spokes> m_pictures; ///< one for each step, once it was shown: it may turn all day
 };
 
 } // namespace kestro
