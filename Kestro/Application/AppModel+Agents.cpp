@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QPointer>
 #include <system_error>
+#include <utility>
 
 namespace kestro {
 
@@ -52,7 +53,9 @@ void AppModel::applyAgents()
         m_agentErrors.append(failure);
     if (!agentsEnabled())
         m_store = SessionStore();
+    forgetEnded();
     sessionsChanged();
+    Q_EMIT agentsChanged();
 }
 
 QStringList AppModel::agentErrorLines() const { return m_agentErrors; }
@@ -99,12 +102,18 @@ void AppModel::handle(const AgentEvent& event, const HookOrigin& origin)
     // Cursor runs Claude's hooks as well as its own: one conversation would be two sessions.
     if (!agentsEnabled() || (event.fromCursor && isWatched(Agent::cursor)))
         return;
+    const auto before = m_store.state(event.sessionID);
     m_store.apply(event, m_now);
     if (const auto session = m_store.sessions.find(event.sessionID); session != m_store.sessions.end()) {
         m_agentProcesses.heard(event.sessionID, origin);
         m_wayBack.heard(event, origin, session->second);
+    } else {
+        forgetEnded();
     }
-    sessionsChanged();
+    // Most events find an agent at work and leave it so: then its age alone is new, which only rows show.
+    const auto after = m_store.state(event.sessionID);
+    if (after != before || after == AgentState::done || sessionsAreSeen())
+        sessionsChanged();
     if (event.agent == Agent::codex && event.name == QLatin1String("Stop") && isOn(FeatureSwitch::limits))
         refreshCodexLimits();
 }
@@ -113,6 +122,7 @@ void AppModel::agentEnded(const QString& id)
 {
     m_now = m_platform.loop.now();
     m_store.sessions.erase(id);
+    forgetEnded();
     sessionsChanged();
 }
 
@@ -137,23 +147,30 @@ void AppModel::tick()
 {
     m_now = m_platform.loop.now();
     m_store.prune(m_now);
+    forgetEnded();
     sessionsChanged();
+}
+
+/// What is known beside a session goes with it, whichever way it went.
+void AppModel::forgetEnded()
+{
+    const auto lives = [this](const QString& id) { return m_store.sessions.contains(id); };
+    m_agentProcesses.keep(lives);
+    m_wayBack.keep(lives);
 }
 
 void AppModel::sessionsChanged()
 {
-    // What is known beside a session goes with it, whichever way it went.
-    const auto lives = [this](const QString& id) { return m_store.sessions.contains(id); };
-    m_agentProcesses.keep(lives);
-    m_wayBack.keep(lives);
     // Without sessions there is nothing to age, so the ticker sleeps.
     if (m_store.sessions.empty())
         m_ticker.cancel();
     else if (!m_ticker)
         m_ticker = m_platform.loop.every(1.0, [this] { tick(); });
     showSessions();
-    Q_EMIT agentsChanged();
-    Q_EMIT changed();
+    // The rows tell their own changes; of all else that surfaces draw, most events change nothing.
+    const auto drawn = std::pair(agentBadge(), cardBodyHeight(WidgetKind::ai));
+    if (std::exchange(m_drawnOfSessions, drawn) != drawn)
+        Q_EMIT changed();
 }
 
 void AppModel::showSessions()

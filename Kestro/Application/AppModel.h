@@ -28,6 +28,7 @@
 #include <memory>
 #include <optional>
 #include <set>
+#include <utility>
 
 namespace kestro {
 
@@ -230,6 +231,7 @@ private:
     void tick();
     void agentEnded(const QString& id);
     void showSessions();
+    void forgetEnded();
     void sessionsChanged();
     bool sessionsAreSeen() const { return m_expanded || !m_sessionsWatch.expired(); }
 
@@ -256,6 +258,7 @@ private:
     std::optional<QUuid> m_settingsTarget;
     bool m_started = false;
     SessionRows m_sessionRows;
+    std::pair<std::optional<AgentState>, double> m_drawnOfSessions; ///< the badge, and the card's height
     std::weak_ptr<void> m_sessionsWatch;
     StatsCard m_statsCard;
     bool m_suppressItemSync = false;

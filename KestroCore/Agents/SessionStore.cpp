@@ -90,6 +90,12 @@ void SessionStore::prune(Date now)
     });
 }
 
+std::optional<AgentState> SessionStore::state(const QString& id) const
+{
+    const auto session = sessions.find(id);
+    return session == sessions.end() ? std::nullopt : std::optional(session->second.state);
+}
+
 std::vector<Session> SessionStore::sorted() const
 {
     std::vector<Session> all;
@@ -102,14 +108,16 @@ std::vector<Session> SessionStore::sorted() const
 
 std::optional<AgentState> SessionStore::wingState(Date now) const
 {
-    if (needsInputCount() > 0)
-        return AgentState::needsInput;
-    if (workingCount() > 0)
-        return AgentState::working;
-    const bool fresh = std::ranges::any_of(sessions, [now](const auto& entry) {
-        return entry.second.state == AgentState::done && now - entry.second.lastEventAt < doneWingDuration;
-    });
-    return fresh ? std::optional(AgentState::done) : std::nullopt;
+    std::optional<AgentState> shown; // in one pass: it is asked for with every event, however many sessions there are
+    for (const auto& [id, session] : sessions) {
+        if (session.state == AgentState::needsInput)
+            return AgentState::needsInput;
+        if (session.state == AgentState::working)
+            shown = AgentState::working;
+        else if (session.state == AgentState::done && !shown && now - session.lastEventAt < doneWingDuration)
+            shown = AgentState::done;
+    }
+    return shown;
 }
 
 int SessionStore::count(AgentState state) const

@@ -24,6 +24,8 @@ struct SessionStore {
     /// Drops what is too old.
     void prune(Date now);
 
+    /// Nothing where there is no such session.
+    std::optional<AgentState> state(const QString& id) const;
     /// Newest first; those of the same moment by id.
     std::vector<Session> sorted() const;
     int workingCount() const { return count(AgentState::working); }

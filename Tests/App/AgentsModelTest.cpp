@@ -167,6 +167,42 @@ TEST_F(AgentsModelTest, aSessionGoesWithItsAgent)
     EXPECT_EQ(platform.peers.watches(), 0);
 }
 
+TEST_F(AgentsModelTest, onlyWhatIsDrawnAsksForALayout)
+{
+    set("agentsEnabled", true);
+    start();
+    int changes = 0;
+    QObject::connect(model.get(), &AppModel::changed, model.get(), [&] { ++changes; });
+    struct Step {
+        const char *event, *id;
+        int changes;
+        std::optional<AgentState> badge;
+    };
+    const Step steps[] = {
+        { "UserPromptSubmit", "a", 1, AgentState::working },
+        { "PostToolUse", "a", 0, AgentState::working },
+        { "UserPromptSubmit", "b", 1, AgentState::working }, // the card is higher by a row
+        { "PermissionRequest", "a", 1, AgentState::needsInput },
+        { "PermissionRequest", "b", 0, AgentState::needsInput },
+        { "SessionEnd", "a", 1, AgentState::needsInput },
+        { "Stop", "b", 1, AgentState::done },
+    };
+    for (const Step& step : steps) {
+        changes = 0;
+        send(step.event, step.id);
+        EXPECT_EQ(changes, step.changes) << step.event << ' ' << step.id;
+        EXPECT_EQ(model->agentBadge(), step.badge) << step.event << ' ' << step.id;
+    }
+    changes = 0;
+    platform.loop.advance(3);
+    send("Stop", "b"); // is fresh once more
+    platform.loop.advance(3);
+    EXPECT_EQ(changes, 0);
+    platform.loop.advance(1);
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(model->agentBadge(), std::nullopt);
+}
+
 TEST_F(AgentsModelTest, theShortcutGoesToWhoHasWaitedLongest)
 {
     set("agentsEnabled", true);

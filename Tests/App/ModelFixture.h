@@ -58,11 +58,7 @@ protected:
         sendMessage(QByteArray("agent=") + agent + "\n{\"session_id\":\"" + id + "\",\"hook_event_name\":\"" + event
             + "\",\"cwd\":\"" + cwd + "\"" + more + "}");
     }
-    std::optional<AgentState> stateOf(const char* id) const
-    {
-        const auto found = model->store().sessions.find(QString::fromLatin1(id));
-        return found == model->store().sessions.end() ? std::nullopt : std::optional(found->second.state);
-    }
+    std::optional<AgentState> stateOf(const char* id) const { return model->store().state(QString::fromLatin1(id)); }
 
     QTemporaryDir home;
     FakePlatform platform;
