@@ -37,6 +37,16 @@ FocusScope {
     Keys.onReturnPressed: accept()
     Keys.onEnterPressed: accept()
 
+    // The keyboard goes round within the sheet: whoever comes to one of its ends goes on from the other.
+    Item {
+        id: begin
+
+        activeFocusOnTab: true
+        onActiveFocusChanged: {
+            if (activeFocus)
+                end.nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason);
+        }
+    }
     Rectangle {
         anchors.fill: parent
         color: Theme.shade
@@ -84,8 +94,6 @@ FocusScope {
 
                 label: "Cancel"
                 onPressed: sheet.cancelled()
-
-                KeyNavigation.tab: confirm.enabled ? confirm : sheet.first
             }
             PushButton {
                 id: confirm
@@ -94,9 +102,16 @@ FocusScope {
                 prominent: true
                 enabled: sheet.acceptable
                 onPressed: sheet.accept()
-
-                KeyNavigation.tab: sheet.first
             }
+        }
+    }
+    Item {
+        id: end
+
+        activeFocusOnTab: true
+        onActiveFocusChanged: {
+            if (activeFocus)
+                begin.nextItemInFocusChain(true).forceActiveFocus(Qt.TabFocusReason);
         }
     }
 }

@@ -163,5 +163,27 @@ TEST_F(StyleControls, APaneScrollsToWhatHasTheKeyboard)
     EXPECT_TRUE(seen("Last"));
 }
 
+TEST_F(StyleControls, TheKeyboardGoesRoundWithinASheet)
+{
+    show(R"(Item { id: under; width: 400; height: 300; PushButton { label: 'Under it' }
+        Sheet { owner: under; acceptable: title.text !== ''; first: address
+            EntryField { id: address; label: 'Address' } EntryField { id: title; label: 'Title' } } })");
+    const auto walk = [&](Qt::Key key) {
+        QStringList stops;
+        for (int i = 0; i < 4; ++i) {
+            for (const char* each : { "Address", "Title", "Cancel", "Add", "Under it" }) {
+                if (shown(each)->hasActiveFocus())
+                    stops.append(QString::fromLatin1(each));
+            }
+            QTest::keyClick(&window, key, key == Qt::Key_Backtab ? Qt::ShiftModifier : Qt::NoModifier);
+        }
+        return stops.join(u' ');
+    };
+    EXPECT_EQ(walk(Qt::Key_Tab), QStringLiteral("Address Title Cancel Address"));
+    EXPECT_EQ(walk(Qt::Key_Backtab), QStringLiteral("Title Address Cancel Title"));
+    type({ Qt::Key_Tab, Qt::Key_X });
+    EXPECT_EQ(walk(Qt::Key_Backtab), QStringLiteral("Title Address Add Cancel")) << "there is something to add";
+}
+
 } // namespace
 } // namespace kestro
