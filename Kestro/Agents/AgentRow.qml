@@ -46,7 +46,7 @@ Pressable {
 
         anchors { left: parent.left; leftMargin: 8; verticalCenter: parent.verticalCenter }
         name: row.agentSymbol
-        size: 16
+        size: 16 * Theme.growth
         color: Theme.secondaryInk
     }
     Label {
@@ -83,7 +83,7 @@ Pressable {
 
         anchors { right: parent.right; rightMargin: 8; baseline: word.baseline }
         // Wide enough for the longest, so that the column of states stands still.
-        width: 64
+        width: 64 * Theme.growth
         alignRight: true
         text: row.ago
         font: Theme.captionFont

@@ -55,7 +55,7 @@ Item {
 
         anchors { left: parent.left; leftMargin: 8; verticalCenter: parent.verticalCenter }
         name: row.symbol
-        size: 16
+        size: 16 * Theme.growth
         color: Theme.secondaryInk
     }
     Label {

@@ -8,7 +8,7 @@ Item {
 
     property string label: ""
     property string text: ""
-    property real fill: 0
+    property real fill: 0 ///< points, where writing has its usual size
     property string level: "low"
     property string style: "trafficLight"
 
@@ -32,7 +32,7 @@ Item {
 
         x: name.width + 5
         anchors.verticalCenter: parent.verticalCenter
-        width: 44
+        width: 44 * Theme.growth
         height: 5
         radius: height / 2
         color: Qt.rgba(Theme.ink.r, Theme.ink.g, Theme.ink.b, 0.15)
@@ -40,7 +40,7 @@ Item {
         Rectangle {
             objectName: "fill"
             // A round end needs its own width to be seen as one.
-            width: gauge.fill > 0 ? Math.max(height, Math.min(parent.width, gauge.fill)) : 0
+            width: gauge.fill > 0 ? Math.max(height, Math.min(parent.width, gauge.fill * Theme.growth)) : 0
             height: parent.height
             radius: parent.radius
             color: gauge.style === "accent" ? Theme.accent

@@ -1,8 +1,11 @@
 #include "Kestro/Application/AppModel.h"
 
 #include "Kestro/Application/FeatureSwitches.h"
+#include "Kestro/Platform/Appearance.h"
 #include "Kestro/Platform/PreferenceStore.h"
 #include "Kestro/Platform/SystemCounters.h"
+
+#include <cmath>
 
 namespace kestro {
 
@@ -114,7 +117,8 @@ QString AppModel::shownWidgetName() const
 
 double AppModel::cardBodyHeight(WidgetKind kind) const
 {
-    constexpr double row = 24;
+    const double growth = m_platform.appearance.look().growth();
+    const double row = std::round(24 * growth);
     constexpr double divider = 9;
     switch (kind) {
     case WidgetKind::ai: {
@@ -125,7 +129,7 @@ double AppModel::cardBodyHeight(WidgetKind kind) const
     }
     case WidgetKind::stats:
     default:
-        return 78;
+        return std::round(78 * growth);
     }
 }
 

@@ -3,6 +3,7 @@
 #include <QColor>
 #include <QObject>
 #include <QString>
+#include <algorithm>
 
 namespace kestro {
 
@@ -14,6 +15,9 @@ struct Look {
     QString fontFamily{}; ///< the interface font, empty where the desktop names none
 
     double textScale = 1; ///< how much larger than usual the user wants writing
+
+    /// How much larger than usual what holds writing has to be; it never shrinks with it.
+    double growth() const { return std::max(1.0, textScale); }
 
     bool operator==(const Look&) const = default;
 };

@@ -13,7 +13,7 @@ Item {
     readonly property string shownValue: value === "" ? "–" : value
 
     implicitWidth: Math.max(name.implicitWidth, figure.implicitWidth)
-    implicitHeight: 52
+    implicitHeight: 52 * Theme.growth
 
     Accessible.role: Accessible.StaticText
     Accessible.name: label + " " + shownValue
@@ -30,13 +30,13 @@ Item {
     Figures {
         id: figure
 
-        y: 18
+        y: 18 * Theme.growth
         text: cell.shownValue
         font: Theme.titleFont
         color: Theme.ink
     }
     MeterBar {
-        y: 43
+        y: 43 * Theme.growth
         width: parent.width
         level: cell.level
         style: cell.barStyle

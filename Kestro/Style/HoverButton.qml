@@ -9,8 +9,8 @@ Pressable {
     property real symbolSize: 14
     property color color: Theme.secondaryInk
 
-    implicitWidth: 24
-    implicitHeight: 24
+    implicitWidth: 24 * Theme.growth
+    implicitHeight: 24 * Theme.growth
 
     Rectangle {
         anchors.fill: parent
@@ -22,7 +22,7 @@ Pressable {
     Symbol {
         anchors.centerIn: parent
         name: button.symbol
-        size: button.symbolSize
+        size: button.symbolSize * Theme.growth
         color: button.color
     }
 }

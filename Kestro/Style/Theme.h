@@ -64,8 +64,9 @@ class Theme : public QObject {
     Q_PROPERTY(QFont captionFont READ captionFont NOTIFY changed FINAL) ///< 12: secondary text and figures
 
     Q_PROPERTY(int grid READ grid CONSTANT FINAL)
-    Q_PROPERTY(int rowHeight READ rowHeight CONSTANT FINAL)
-    Q_PROPERTY(int headerHeight READ headerHeight CONSTANT FINAL)
+    Q_PROPERTY(int rowHeight READ rowHeight NOTIFY changed FINAL)
+    Q_PROPERTY(int headerHeight READ headerHeight NOTIFY changed FINAL)
+    Q_PROPERTY(qreal growth READ growth NOTIFY changed FINAL) ///< of what holds writing, with the desktop's text scale
     Q_PROPERTY(int horizontalPadding READ horizontalPadding CONSTANT FINAL)
     Q_PROPERTY(int verticalPadding READ verticalPadding CONSTANT FINAL)
     Q_PROPERTY(int radius READ radius CONSTANT FINAL)
@@ -133,8 +134,9 @@ public:
     QFont captionFont() const;
 
     int grid() const { return 4; }
-    int rowHeight() const { return 24; }
-    int headerHeight() const { return 28; }
+    int rowHeight() const { return qRound(24 * growth()); }
+    int headerHeight() const { return qRound(28 * growth()); }
+    qreal growth() const { return m_look.growth(); }
     int horizontalPadding() const { return 16; }
     int verticalPadding() const { return 10; }
     int radius() const { return 12; }

@@ -1,6 +1,7 @@
 #include "Kestro/Surfaces/FullWindow.h"
 
 #include "Kestro/Application/AppModel.h"
+#include "Kestro/Platform/Appearance.h"
 #include "Kestro/Platform/Pointer.h"
 #include "Kestro/Platform/Screens.h"
 #include "Kestro/Surfaces/WindowCommand.h"
@@ -26,9 +27,10 @@ FullWindow::FullWindow(AppModel& model, const QString& title, const WindowSize& 
         return key ? key->read(m_platform.preferences) : points;
     };
     setTitle(title);
-    const QRect place =
-        firstPlace(QSizeF(wanted(size.width, size.first.width()), wanted(size.height, size.first.height())));
-    setMinimumSize(size.smallest.boundedTo(place.size()));
+    const double growth = m_platform.appearance.look().growth();
+    const QSize first = size.first * growth;
+    const QRect place = firstPlace(QSizeF(wanted(size.width, first.width()), wanted(size.height, first.height())));
+    setMinimumSize((size.smallest * growth).boundedTo(place.size()));
     setGeometry(place);
 }
 

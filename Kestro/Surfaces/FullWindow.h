@@ -11,7 +11,7 @@ namespace kestro {
 
 class AppModel;
 
-/// How large a window opens, in points.
+/// How large a window opens, in points, where writing has its usual size.
 struct WindowSize {
     QSize first;
     QSize smallest;

@@ -8,6 +8,8 @@
 #include "Kestro/Preferences/PreferenceKeys.h"
 #include "KestroCore/Support/Geometry.h"
 
+#include <cmath>
+
 namespace kestro {
 
 namespace {
@@ -15,7 +17,8 @@ namespace {
 constexpr double hideDelay = 0.5;
 constexpr double fadeTime = 0.2;
 constexpr double cardWidth = 440;
-constexpr double cardChrome = 28 + 20; // the header, and the padding above and below
+constexpr double cardHeader = 28;
+constexpr double cardPadding = 20; // above and below
 
 } // namespace
 
@@ -43,7 +46,10 @@ SidebarController::SidebarController(AppModel& model, QQmlEngine& engine)
 
     connect(&m_platform.screens, &Screens::changed, this, &SidebarController::layout);
     connect(&m_platform.preferences, &PreferenceStore::changed, this, [this] { reloadPrefs(false); });
-    connect(&m_platform.appearance, &Appearance::changed, this, [this] { reloadPrefs(false); });
+    connect(&m_platform.appearance, &Appearance::changed, this, [this] {
+        reloadPrefs(false);
+        layoutSoon(); // the card grows with the desktop's writing
+    });
     connect(&m_model, &AppModel::changed, this, &SidebarController::layoutSoon);
     connect(&m_model, &AppModel::widgetSelected, this, [this] {
         if (!m_active)
@@ -137,7 +143,9 @@ void SidebarController::placeCard(const QRectF& visible)
         return;
     }
     const SidebarEdge edge = m_state.prefs().edge;
-    const QSizeF size(cardWidth, m_model.cardBodyHeight(*kind) + cardChrome);
+    const double growth = m_platform.appearance.look().growth();
+    const QSizeF size(
+        cardWidth * growth, m_model.cardBodyHeight(*kind) + std::round(cardHeader * growth) + cardPadding);
     m_card.place(DockGeometry::cardFrame(size, frame.dock, frame.anchorOf(row, edge), edge, visible), edge);
 }
 

@@ -26,7 +26,7 @@ Item {
             anchors.verticalCenter: parent.verticalCenter
             name: root.symbols[root.kind] ?? Symbols.app
             color: Theme.ink
-            size: 16
+            size: 16 * Theme.growth
         }
         Text {
             anchors.verticalCenter: parent.verticalCenter

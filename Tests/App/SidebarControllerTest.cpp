@@ -86,6 +86,22 @@ TEST_F(SidebarControllerTest, standsOnEachEdge)
     }
 }
 
+TEST_F(SidebarControllerTest, theCardGrowsWithTheDesktopsWriting)
+{
+    start();
+    model->setSelectedWidget(WidgetKind::stats);
+    platform.loop.turn();
+    const QSizeF usual = window("Kestro Card")->size() - 2 * QSizeF(NotchPanel::shadowRoom, NotchPanel::shadowRoom);
+    for (const double scale : { 2.0, 0.5, 1.0 }) {
+        platform.appearance.current.textScale = scale;
+        Q_EMIT platform.appearance.changed();
+        platform.loop.turn();
+        const QSizeF size = window("Kestro Card")->size() - 2 * QSizeF(NotchPanel::shadowRoom, NotchPanel::shadowRoom);
+        EXPECT_EQ(size.width(), usual.width() * std::max(1.0, scale)) << scale;
+        EXPECT_NEAR(size.height(), usual.height() * std::max(1.0, scale), 20) << scale << ": all but the padding";
+    }
+}
+
 TEST_F(SidebarControllerTest, aHoveredWidgetOpensItsCardWhichClosesHalfASecondAfterThePointerLeft)
 {
     start();
