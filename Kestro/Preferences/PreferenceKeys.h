@@ -7,8 +7,6 @@
 #include "KestroCore/Layout/DockTypes.h"
 #include "KestroCore/Layout/NotchScreen.h"
 
-#include <QSize>
-
 /// Every setting, once: key, default, clamp. Bytes are JSON of the record that the reader knows. Where two keys
 /// speak of one thing, its reader (SidebarPrefs, NotchLook, ...) says which wins.
 namespace kestro::prefs {
@@ -16,15 +14,9 @@ namespace kestro::prefs {
 using Key = QLatin1StringView;
 using OptionalData = Preference<std::optional<QByteArray>>;
 
-/// Points; as first opened, and the least in which the Settings window can be used.
-inline constexpr QSize firstSettings{ 780, 560 };
-inline constexpr QSize smallestSettings{ 640, 420 };
-
 namespace clamps {
 inline double magnification(double scale) { return std::clamp(scale, DockLayout::minScale, DockLayout::maxScaleLimit); }
 inline double atLeastZero(double value) { return std::max(value, 0.0); }
-inline int settingsWidth(int points) { return std::max(points, smallestSettings.width()); }
-inline int settingsHeight(int points) { return std::max(points, smallestSettings.height()); }
 inline double refreshInterval(double seconds) { return seconds == 1 || seconds == 5 ? seconds : 2; }
 } // namespace clamps
 
@@ -51,9 +43,8 @@ inline constexpr Preference<TileStyle> tileStyle{ Key("tileStyle"), TileStyle::c
 inline constexpr Preference<LevelBars> levelBars{ Key("levelBars"), LevelBars::trafficLight };
 
 // The Settings window's size in points, as the user left it
-inline constexpr Preference<int> settingsWidth{ Key("settingsWidth"), firstSettings.width(), clamps::settingsWidth };
-inline constexpr Preference<int> settingsHeight{ Key("settingsHeight"), firstSettings.height(),
-    clamps::settingsHeight };
+inline constexpr Preference<std::optional<int>> settingsWidth{ Key("settingsWidth") };
+inline constexpr Preference<std::optional<int>> settingsHeight{ Key("settingsHeight") };
 
 // Layout
 inline constexpr OptionalData launcherItems{ Key("launcherItems") };

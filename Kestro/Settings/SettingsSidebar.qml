@@ -29,7 +29,9 @@ Rectangle {
             chosen(found[next].pane);
     }
 
-    implicitWidth: list.implicitWidth + 24
+    property real widest: 0 ///< of all rows that there were: a search does not move what stands beside
+
+    implicitWidth: widest + 24
     color: Theme.sidebar
 
     Rectangle {
@@ -65,6 +67,7 @@ Rectangle {
                 required property var modelData
 
                 width: list.width
+                onImplicitWidthChanged: sidebar.widest = Math.max(sidebar.widest, implicitWidth)
                 label: modelData.title
                 symbol: modelData.symbol
                 selected: modelData.pane === sidebar.current

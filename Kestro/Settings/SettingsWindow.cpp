@@ -8,8 +8,7 @@
 namespace kestro {
 
 namespace {
-constexpr WindowSize openSize{ prefs::firstSettings, prefs::smallestSettings, &prefs::settingsWidth,
-    &prefs::settingsHeight };
+constexpr WindowSize openSize{ { 780, 560 }, { 640, 420 }, &prefs::settingsWidth, &prefs::settingsHeight };
 }
 
 SettingsWindow::SettingsWindow(AppModel& model, QQmlEngine& engine, std::function<void()> closed)

@@ -23,14 +23,16 @@ FullWindow::FullWindow(AppModel& model, const QString& title, const WindowSize& 
     , m_size(size)
     , m_closed(std::move(closed))
 {
-    const auto wanted = [this](const Preference<int>* key, int points) {
-        return key ? key->read(m_platform.preferences) : points;
+    const auto stored = [this](const Preference<std::optional<int>>* key) {
+        return key ? key->read(m_platform.preferences) : std::nullopt;
     };
     setTitle(title);
     const double growth = m_platform.appearance.look().growth();
     const QSize first = size.first * growth;
-    const QRect place = firstPlace(QSizeF(wanted(size.width, first.width()), wanted(size.height, first.height())));
-    setMinimumSize((size.smallest * growth).boundedTo(place.size()));
+    const QSize smallest = size.smallest * growth;
+    const QSize wanted(stored(size.width).value_or(first.width()), stored(size.height).value_or(first.height()));
+    const QRect place = firstPlace(wanted.expandedTo(smallest));
+    setMinimumSize(smallest.boundedTo(place.size()));
     setGeometry(place);
 }
 
@@ -108,7 +110,7 @@ void FullWindow::rememberSize()
     m_rememberWork.cancel();
     if (!m_size.width || visibility() == Maximized || visibility() == FullScreen)
         return;
-    const auto remember = [this](const Preference<int>& key, int points) {
+    const auto remember = [this](const Preference<std::optional<int>>& key, int points) {
         if (key.read(m_platform.preferences) != points)
             key.write(m_platform.preferences, points);
     };

@@ -15,8 +15,8 @@ class AppModel;
 struct WindowSize {
     QSize first;
     QSize smallest;
-    const Preference<int>* width = nullptr; ///< under which it is remembered; without, it opens as at first
-    const Preference<int>* height = nullptr;
+    const Preference<std::optional<int>>* width = nullptr; ///< under which it is remembered, if it is
+    const Preference<std::optional<int>>* height = nullptr;
 };
 
 /// An ordinary window of the program, with a title bar and the keyboard. It lives while it is open: who makes it is
