@@ -49,10 +49,10 @@ protected:
     {
         EXPECT_TRUE(waitFor([&] {
             return peer.hasAtoms(window.id(), "_NET_WM_STATE",
-                { "_NET_WM_STATE_ABOVE", "_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER" });
+                       { "_NET_WM_STATE_ABOVE", "_NET_WM_STATE_SKIP_TASKBAR", "_NET_WM_STATE_SKIP_PAGER" })
+                && peer.property(window.id(), "_NET_WM_DESKTOP") == QList<uint32_t>{ 0xFFFFFFFF };
         }));
         EXPECT_TRUE(peer.hasAtoms(window.id(), "_NET_WM_WINDOW_TYPE", { "_NET_WM_WINDOW_TYPE_DOCK" }));
-        EXPECT_EQ(peer.property(window.id(), "_NET_WM_DESKTOP"), QList<uint32_t>{ 0xFFFFFFFF });
         const auto hints = peer.property(window.id(), "WM_HINTS");
         EXPECT_TRUE(hints.value(0) & 1) << "says whether it takes input";
         EXPECT_EQ(hints.value(1, 1), 0U);
