@@ -53,7 +53,6 @@ void AppModel::applyAgents()
         m_agentErrors.append(failure);
     if (!agentsEnabled())
         m_store = SessionStore();
-    forgetEnded();
     sessionsChanged();
     Q_EMIT agentsChanged();
 }
@@ -72,8 +71,8 @@ QString AppModel::syncSocket()
         [&loop = m_platform.loop, &peers = m_platform.peers, model = QPointer(this)](
             const SocketMessage& message, int connection) {
             // While its connection is open the hook lives, and with it the way up to its agent.
-            const HookOrigin origin = message.event() ? peers.peer(connection) : HookOrigin();
-            loop.post([model, message, origin] {
+            HookOrigin origin = message.event() ? peers.peer(connection) : HookOrigin();
+            loop.post([model, message = message, origin = std::move(origin)] {
                 if (model)
                     model->handle(message, origin);
             });
@@ -107,8 +106,6 @@ void AppModel::handle(const AgentEvent& event, const HookOrigin& origin)
     if (const auto session = m_store.sessions.find(event.sessionID); session != m_store.sessions.end()) {
         m_agentProcesses.heard(event.sessionID, origin);
         m_wayBack.heard(event, origin, session->second);
-    } else {
-        forgetEnded();
     }
     // Most events find an agent at work and leave it so: then its age alone is new, which only rows show.
     const auto after = m_store.state(event.sessionID);
@@ -122,7 +119,6 @@ void AppModel::agentEnded(const QString& id)
 {
     m_now = m_platform.loop.now();
     m_store.sessions.erase(id);
-    forgetEnded();
     sessionsChanged();
 }
 
@@ -147,20 +143,17 @@ void AppModel::tick()
 {
     m_now = m_platform.loop.now();
     m_store.prune(m_now);
-    forgetEnded();
     sessionsChanged();
-}
-
-/// What is known beside a session goes with it, whichever way it went.
-void AppModel::forgetEnded()
-{
-    const auto lives = [this](const QString& id) { return m_store.sessions.contains(id); };
-    m_agentProcesses.keep(lives);
-    m_wayBack.keep(lives);
 }
 
 void AppModel::sessionsChanged()
 {
+    // What is known beside a session goes with it, whichever way it went.
+    if (std::exchange(m_sessionCount, m_store.sessions.size()) > m_store.sessions.size()) {
+        const auto lives = [this](const QString& id) { return m_store.sessions.contains(id); };
+        m_agentProcesses.keep(lives);
+        m_wayBack.keep(lives);
+    }
     // Without sessions there is nothing to age, so the ticker sleeps.
     if (m_store.sessions.empty())
         m_ticker.cancel();

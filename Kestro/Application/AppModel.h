@@ -231,7 +231,6 @@ private:
     void tick();
     void agentEnded(const QString& id);
     void showSessions();
-    void forgetEnded();
     void sessionsChanged();
     bool sessionsAreSeen() const { return m_expanded || !m_sessionsWatch.expired(); }
 
@@ -257,6 +256,7 @@ private:
     SettingsPane m_settingsPane = SettingsPane::general;
     std::optional<QUuid> m_settingsTarget;
     bool m_started = false;
+    std::size_t m_sessionCount = 0;
     SessionRows m_sessionRows;
     std::pair<std::optional<AgentState>, double> m_drawnOfSessions; ///< the badge, and the card's height
     std::weak_ptr<void> m_sessionsWatch;

@@ -127,7 +127,8 @@ void AgentSocketReader::readSome(Client& client, Clock::time_point now)
         }
         if (client.framer.state() == MessageFramer::State::Reading && (count > 0 || nothingYet))
             return;
-        if (client.framer.state() != MessageFramer::State::Complete || count <= 0)
+        // Less than was asked for is all that has come.
+        if (client.framer.state() != MessageFramer::State::Complete || count < static_cast<ssize_t>(wanted))
             break;
     }
     if (auto message = client.framer.message())

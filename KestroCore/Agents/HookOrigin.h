@@ -2,7 +2,7 @@
 
 #include <cstddef> // first: Qt 6.4's moc trips over <compare> where no other header came before it
 
-#include <QByteArray>
+#include <QByteArrayList>
 #include <QtGlobal>
 #include <compare>
 #include <vector>
@@ -21,7 +21,7 @@ struct ProcessInfo {
     ProcessId id;
     /// What it may be known by: the kernel's name for it, the base names of its executable and of its first two
     /// arguments.
-    std::vector<QByteArray> names;
+    QByteArrayList names;
 
     bool operator==(const ProcessInfo&) const = default;
 };

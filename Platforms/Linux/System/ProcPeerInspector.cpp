@@ -109,8 +109,8 @@ ProcPeerInspector::Known* ProcPeerInspector::look(qint64 pid, bool& asBefore) co
         known->second.parent = stat->parent;
         return &known->second;
     }
-    std::vector<QByteArray> names = proc::programNames(m_root.get(), pid);
-    names.insert(names.begin(), stat->name);
+    QByteArrayList names = proc::programNames(m_root.get(), pid);
+    names.prepend(stat->name);
     const Known now{ { id, std::move(names) }, stat->parent, std::nullopt };
     return &m_known.insert_or_assign(pid, now).first->second;
 }

@@ -68,9 +68,9 @@ std::optional<Stat> Stat::parse(QByteArrayView text)
 
 std::optional<Stat> stat(int root, qint64 pid) { return Stat::parse(read(root, pid, "stat", statBytes)); }
 
-std::vector<QByteArray> programNames(int root, qint64 pid)
+QByteArrayList programNames(int root, qint64 pid)
 {
-    std::vector<QByteArray> names;
+    QByteArrayList names;
     std::array<char, PATH_MAX> target{};
     const ssize_t length = ::readlinkat(root, pathOf(pid, "exe").constData(), target.data(), target.size());
     if (length > 0) {

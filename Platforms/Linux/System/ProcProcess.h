@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QByteArray>
+#include <QByteArrayList>
 #include <QByteArrayView>
 #include <QtGlobal>
 #include <optional>
@@ -23,7 +23,7 @@ struct Stat {
 
 std::optional<Stat> stat(int root, qint64 pid);
 /// The base names of its executable and of its first two arguments, as far as they can be read.
-std::vector<QByteArray> programNames(int root, qint64 pid);
+QByteArrayList programNames(int root, qint64 pid);
 /// The values of these variables of its environment, empty where it has none.
 std::vector<QByteArray> variables(int root, qint64 pid, const std::vector<QByteArrayView>& names);
 
