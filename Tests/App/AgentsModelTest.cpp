@@ -149,15 +149,15 @@ TEST_F(AgentsModelTest, aSessionGoesWithItsAgent)
 {
     set("agentsEnabled", true);
     start();
-    const ProcessId claude{ 10, 100 };
-    platform.peers.origin.ancestors = { { { 11, 110 }, { "nc" } }, { claude, { "node", "claude" } } };
+    const ProcessId agent{ 10, 100 };
+    platform.peers.origin.ancestors = { { { 11, 110 }, { "nc" } }, { agent, { "node", "claude" } } };
     send("UserPromptSubmit");
     send("SomethingElse", "unknown");
     EXPECT_EQ(platform.peers.watches(), 1);
     platform.loop.advance(3);
     platform.peers.end({ 10, 101 });
     EXPECT_EQ(stateOf("s"), AgentState::working) << "a namesake";
-    platform.peers.end(claude);
+    platform.peers.end(agent);
     EXPECT_EQ(stateOf("s"), std::nullopt);
     EXPECT_EQ(platform.loop.waiting(), 0) << "and the ticker sleeps";
 

@@ -50,8 +50,8 @@ constexpr char picker[] = R"(Item { width: 400; height: 120; Picker { y: 80; lab
 
 TEST_F(StyleControls, APickersListIsDrivenByKeys)
 {
-    QQuickItem& control = *named(show(picker), QStringLiteral("Tint"));
-    QSignalSpy chosen(&control, SIGNAL(chosen(QString)));
+    QQuickItem& tint = *named(show(picker), QStringLiteral("Tint"));
+    QSignalSpy chosen(&tint, SIGNAL(chosen(QString)));
     const struct {
         const char* how;
         std::function<void()> keys;
@@ -83,13 +83,13 @@ TEST_F(StyleControls, APickersListIsDrivenByKeys)
     for (const auto& each : cases) {
         SCOPED_TRACE(each.how);
         chosen.clear();
-        control.forceActiveFocus();
+        tint.forceActiveFocus();
         type({ Qt::Key_Space });
         ASSERT_TRUE(QTest::qWaitFor([&] { return shown("Pink") != nullptr; })) << "open";
         each.keys();
         EXPECT_EQ(chosen.value(0).value(0).toString(), each.chosen);
-        EXPECT_FALSE(control.property("open").toBool());
-        EXPECT_TRUE(control.hasActiveFocus()) << "the keyboard comes back";
+        EXPECT_FALSE(tint.property("open").toBool());
+        EXPECT_TRUE(tint.hasActiveFocus()) << "the keyboard comes back";
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 }

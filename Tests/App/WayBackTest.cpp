@@ -16,7 +16,7 @@ const ProcessId agent{ 10, 100 };
 const ProcessId terminal{ 5, 50 };
 const ProcessId desktop{ 2, 20 };
 
-HookOrigin from(const std::vector<ProcessId>& ancestors, const char* windowID = "")
+HookOrigin hookUnder(const std::vector<ProcessId>& ancestors, const char* windowID = "")
 {
     HookOrigin origin;
     for (const ProcessId& each : ancestors)
@@ -32,7 +32,7 @@ DesktopWindow window(quint32 id, const ProcessId& owner, const char* title = "")
 
 TEST(TerminalWindow, IsTheOneThatCanBeTold)
 {
-    const HookOrigin plain = from({ agent, terminal, desktop });
+    const HookOrigin plain = hookUnder({ agent, terminal, desktop });
     struct Case {
         const char* name;
         HookOrigin origin;
@@ -45,11 +45,12 @@ TEST(TerminalWindow, IsTheOneThatCanBeTold)
         { "where the user wrote", plain, 3, { window(2, terminal), window(3, terminal) }, 3 },
         { "which has another owner by now", plain, 3, { window(2, terminal), window(3, { 99, 1 }) }, 2 },
         { "which has gone", plain, 3, { window(2, terminal) }, 2 },
-        { "named by the environment", from({ agent, terminal }, "4"), 0, { window(2, terminal), window(4, terminal) },
-            4 },
-        { "named, but somebody else's", from({ agent, terminal }, "4"), 0,
+        { "named by the environment", hookUnder({ agent, terminal }, "4"), 0,
+            { window(2, terminal), window(4, terminal) }, 4 },
+        { "named, but somebody else's", hookUnder({ agent, terminal }, "4"), 0,
             { window(2, terminal), window(3, terminal), window(4, { 99, 1 }) }, 0 },
-        { "named in no number", from({ agent, terminal }, "0x2"), 0, { window(2, terminal), window(3, terminal) }, 0 },
+        { "named in no number", hookUnder({ agent, terminal }, "0x2"), 0, { window(2, terminal), window(3, terminal) },
+            0 },
         { "by its title, the topmost", plain, 0,
             { window(2, terminal, "vim"), window(3, terminal, "~/kestro"), window(4, terminal, "kestro") }, 3 },
         { "another program's title", plain, 0,
@@ -68,7 +69,7 @@ protected:
     WayBackTest()
     {
         for (const ProcessId& each : { agent, terminal, desktop })
-            platform.peers.processes[each.pid] = from({ each });
+            platform.peers.processes[each.pid] = hookUnder({ each });
     }
     void heard(
         const char* event, const HookOrigin& origin, AgentState state = AgentState::working, const char* id = "s")
@@ -82,7 +83,7 @@ protected:
     }
     static HookOrigin inTmux()
     {
-        HookOrigin origin = from({ agent, { 77, 30 } });
+        HookOrigin origin = hookUnder({ agent, { 77, 30 } });
         origin.tmux = "/tmp/tmux,0/default,77,0";
         origin.tmuxPane = "%3";
         return origin;
@@ -97,11 +98,11 @@ TEST_F(WayBackTest, theWindowThatWasActiveAtThePromptIsRaised)
 {
     platform.windows.windows = { window(1, terminal), window(2, terminal), window(3, { 99, 1 }) };
     platform.windows.activeId = 2;
-    heard("UserPromptSubmit", from({ agent, terminal }));
+    heard("UserPromptSubmit", hookUnder({ agent, terminal }));
     platform.windows.activeId = 1;
-    heard("PostToolUse", from({ agent, terminal })); // the user may be anywhere by now
+    heard("PostToolUse", hookUnder({ agent, terminal })); // the user may be anywhere by now
     platform.windows.activeId = 3;
-    heard("UserPromptSubmit", from({ agent, terminal })); // sent from elsewhere
+    heard("UserPromptSubmit", hookUnder({ agent, terminal })); // sent from elsewhere
     raise();
     EXPECT_THAT(platform.windows.raised, ElementsAre(2));
     EXPECT_THAT(way.lost(), IsEmpty());
@@ -110,18 +111,18 @@ TEST_F(WayBackTest, theWindowThatWasActiveAtThePromptIsRaised)
 TEST_F(WayBackTest, aLostWayIsToldUntilTheSessionIsHeardOf)
 {
     raise("never seen");
-    heard("Stop", from({ agent, terminal }));
+    heard("Stop", hookUnder({ agent, terminal }));
     raise();
     EXPECT_THAT(way.lost(),
         ElementsAre(Pair(QStringLiteral("never seen"), QStringLiteral("no window")),
             Pair(QStringLiteral("s"), QStringLiteral("no window"))));
-    heard("Stop", from({ agent, terminal }));
+    heard("Stop", hookUnder({ agent, terminal }));
     way.keep([](const QString& id) { return id == QLatin1String("s"); });
     EXPECT_THAT(way.lost(), IsEmpty());
 
     // The terminal has ended, and its number belongs to a program with a window.
     platform.windows.windows = { window(1, terminal) };
-    platform.peers.processes[terminal.pid] = from({ { terminal.pid, 999 } });
+    platform.peers.processes[terminal.pid] = hookUnder({ { terminal.pid, 999 } });
     raise();
     EXPECT_THAT(platform.windows.raised, IsEmpty());
     EXPECT_THAT(way.lost(), ElementsAre(Pair(QStringLiteral("s"), QStringLiteral("no window"))));
@@ -130,8 +131,8 @@ TEST_F(WayBackTest, aLostWayIsToldUntilTheSessionIsHeardOf)
 TEST_F(WayBackTest, inTmuxTheClientShowsThePaneAndItsWindowIsRaised)
 {
     platform.windows.windows = { window(1, terminal), window(2, desktop) };
-    platform.peers.processes[70] = from({ { 70, 1 }, desktop });
-    platform.peers.processes[71] = from({ { 71, 1 }, terminal });
+    platform.peers.processes[70] = hookUnder({ { 70, 1 }, desktop });
+    platform.peers.processes[71] = hookUnder({ { 71, 1 }, terminal });
     heard("Stop", inTmux());
     raise();
     ASSERT_EQ(platform.commands.running.size(), 1U);
@@ -191,7 +192,7 @@ TEST_F(WayBackTest, theLatestClickCounts)
 {
     platform.windows.windows = { window(1, terminal) };
     heard("Stop", inTmux(), AgentState::done, "slow");
-    heard("Stop", from({ agent, terminal }), AgentState::done, "quick");
+    heard("Stop", hookUnder({ agent, terminal }), AgentState::done, "quick");
     raise("slow");
     raise("quick");
     platform.commands.answer(answer("$1\n"));

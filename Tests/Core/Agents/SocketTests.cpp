@@ -322,8 +322,8 @@ TEST_F(Socket, BringsNothingAfterStop)
 TEST_F(Socket, TellsWhyItCannotStart)
 {
     const auto ofLength = [this](qsizetype bytes) {
-        const QString start = folder.path() + QStringLiteral("/é");
-        return start + QString(bytes - start.toUtf8().size(), u'x');
+        const QString beginning = folder.path() + QStringLiteral("/é");
+        return beginning + QString(bytes - beginning.toUtf8().size(), u'x');
     };
     ASSERT_TRUE(QDir(folder.path()).mkdir(QStringLiteral("folder")));
     QFile file(folder.filePath(QStringLiteral("file")));

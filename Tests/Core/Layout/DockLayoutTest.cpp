@@ -6,9 +6,9 @@ using namespace kestro;
 
 namespace {
 
-constexpr auto icon = DockItemSize::icon;
-constexpr auto divider = DockItemSize::divider;
-const std::vector<DockItemSize> three{ icon, divider, icon };
+constexpr auto iconItem = DockItemSize::icon;
+constexpr auto dividerItem = DockItemSize::divider;
+const std::vector<DockItemSize> three{ iconItem, dividerItem, iconItem };
 
 DockLayout atRest(const std::vector<DockItemSize>& items, std::optional<DockGap> gap = {})
 {
@@ -58,7 +58,7 @@ TEST(DockLayout, magnificationSwellsIconsAndPushesDividers)
 // The bump is measured where the icons rest: measured where they have moved to, it would feed back on itself.
 TEST(DockLayout, distancesAreThoseAtRest)
 {
-    const std::vector<DockItemSize> items(12, icon);
+    const std::vector<DockItemSize> items(12, iconItem);
     const DockLayout rest = DockLayout::layout(items, 36, 20, {}, 1, {});
     for (const std::size_t pointed : { 0u, 5u, 11u }) {
         const double pointer = rest.frames[pointed].x() + 18;
@@ -82,10 +82,10 @@ TEST(DockLayout, scale)
 TEST(DockLayout, fittingIconSize)
 {
     const std::tuple<const char*, std::vector<DockItemSize>, double, double> table[] = { { "nothing", {}, 10, 36 },
-        { "dividers alone", { divider, divider }, 10, 36 }, { "room to spare", three, 1000, 36 },
+        { "dividers alone", { dividerItem, dividerItem }, 10, 36 }, { "room to spare", three, 1000, 36 },
         { "exactly", three, 72 + 17 + 12 + 16, 36 }, { "a point short", three, 71 + 17 + 12 + 16, 35 },
         { "whole points", three, 70.9 + 17 + 12 + 16, 35 },
-        { "the least", std::vector<DockItemSize>(24, icon), 100, 12 }, { "no room at all", three, -50, 12 } };
+        { "the least", std::vector<DockItemSize>(24, iconItem), 100, 12 }, { "no room at all", three, -50, 12 } };
     for (const auto& [what, items, available, expected] : table)
         EXPECT_EQ(DockLayout::fittingIconSize(items, 36, available), expected) << what;
 }
