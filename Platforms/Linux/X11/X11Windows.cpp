@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <optional>
 #include <span>
+#include <utility>
 
 namespace kestro {
 
@@ -14,6 +15,7 @@ namespace {
 constexpr uint32_t longestList = 16'384; // in 32-bit units, as the server counts what is asked for
 constexpr uint32_t longestTitle = 1024;
 constexpr quint32 onAllDesktops = 0xFFFFFFFF;
+constexpr qint64 longestSwitch = 2000; // milliseconds; after that the user has gone on
 constexpr quint32 fromPager = 2; // what the user asked for elsewhere than in the window: not to be refused
 
 using Property = XcbOwned<xcb_get_property_reply_t>;
@@ -66,10 +68,15 @@ X11Windows::X11Windows(X11Connection& connection)
 // meanwhile.
 void X11Windows::desktopChanged()
 {
-    if (m_awaited == XCB_NONE)
+    if (m_awaited && m_awaited->until.hasExpired())
+        m_awaited.reset();
+    if (!m_awaited)
         return;
-    askManager(m_awaited, "_NET_ACTIVE_WINDOW", { fromPager, m_connection.serverTime(), XCB_NONE });
-    m_awaited = XCB_NONE;
+    const auto shown = ask(m_connection, m_connection.root(), "_NET_CURRENT_DESKTOP", XCB_ATOM_CARDINAL);
+    if (numberIn(answer(m_connection, shown)) != m_awaited->desktop)
+        return; // an earlier change, which is told only now
+    const auto awaited = std::exchange(m_awaited, std::nullopt);
+    askManager(awaited->window, "_NET_ACTIVE_WINDOW", { fromPager, m_connection.serverTime(), XCB_NONE });
     m_connection.flush();
 }
 
@@ -140,7 +147,7 @@ bool X11Windows::raise(quint32 id)
     const auto desktop = numberIn(desktopAnswer);
     const xcb_timestamp_t time = m_connection.serverTime();
     const bool isElsewhere = desktop && current && *desktop != onAllDesktops && *desktop != *current;
-    m_awaited = isElsewhere ? id : XCB_NONE;
+    m_awaited = isElsewhere ? std::optional(Awaited{ id, *desktop, QDeadlineTimer(longestSwitch) }) : std::nullopt;
     if (isElsewhere)
         askManager(m_connection.root(), "_NET_CURRENT_DESKTOP", { *desktop, time });
     askManager(id, "_NET_ACTIVE_WINDOW", { fromPager, time, XCB_NONE });

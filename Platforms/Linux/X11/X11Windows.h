@@ -2,7 +2,9 @@
 
 #include "Kestro/Platform/DesktopWindows.h"
 
+#include <QDeadlineTimer>
 #include <QObject>
+#include <optional>
 #include <vector>
 #include <xcb/xproto.h>
 
@@ -28,7 +30,12 @@ private:
 
     X11Connection& m_connection;
     QObject m_context; ///< of what listens to the connection
-    xcb_window_t m_awaited = XCB_NONE; ///< to be asked for again once its desktop shows
+    struct Awaited {
+        xcb_window_t window;
+        quint32 desktop;
+        QDeadlineTimer until;
+    };
+    std::optional<Awaited> m_awaited; ///< to be asked for again once its desktop shows
 };
 
 } // namespace kestro

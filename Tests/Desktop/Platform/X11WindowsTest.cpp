@@ -124,6 +124,8 @@ TEST_F(X11WindowsTest, AreBroughtBackFromWhereverTheyAre)
         EXPECT_TRUE(windows.raise(window));
         const auto isBack = [&] { return windows.active() == window && isViewable(window) && desktop() == 0; };
         EXPECT_TRUE(waitFor(isBack)) << "the user goes to the window";
+        EXPECT_EQ(windows.active(), window);
+        QCoreApplication::processEvents(); // the desktop's change is heard of, and the window asked for again
         peer.settle(window);
         EXPECT_TRUE(waitFor(isBack)) << "and what else the manager thinks of does not last";
         EXPECT_TRUE(peer.isAbove(window, other));
