@@ -5,8 +5,6 @@
 #include "Kestro/Platform/PreferenceStore.h"
 #include "Kestro/Platform/SystemCounters.h"
 
-#include <cmath>
-
 namespace kestro {
 
 Folders Folders::under(const QString& home)
@@ -117,8 +115,8 @@ QString AppModel::shownWidgetName() const
 
 double AppModel::cardBodyHeight(WidgetKind kind) const
 {
-    const double growth = m_platform.appearance.look().growth();
-    const double row = std::round(24 * growth);
+    const Look look = m_platform.appearance.look();
+    const double row = look.grown(24);
     constexpr double divider = 9;
     switch (kind) {
     case WidgetKind::ai: {
@@ -129,7 +127,7 @@ double AppModel::cardBodyHeight(WidgetKind kind) const
     }
     case WidgetKind::stats:
     default:
-        return std::round(78 * growth);
+        return look.grown(78);
     }
 }
 

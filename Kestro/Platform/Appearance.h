@@ -18,6 +18,7 @@ struct Look {
 
     /// How much larger than usual what holds writing has to be; it never shrinks with it.
     double growth() const { return std::max(1.0, textScale); }
+    int grown(int points) const { return qRound(points * growth()); }
 
     bool operator==(const Look&) const = default;
 };

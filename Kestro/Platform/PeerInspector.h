@@ -19,7 +19,9 @@ public:
     virtual ~PeerInspector() = default;
 
     /// The process that connected `connection`, a descriptor, and from where it was started. To be asked before the
-    /// connection is closed: until then the process waits. From any thread; some tens of microseconds.
+    /// connection is closed: until then the process waits. From any thread; some tens of microseconds a process that
+    /// was not met before. Above one that has the parent that it had, ancestors are told as they were: whoever acts on
+    /// one looks whether it still lives.
     virtual HookOrigin peer(int connection) const = 0;
     /// The same of a process by its number. From any thread.
     virtual HookOrigin process(qint64 pid) const = 0;

@@ -8,6 +8,7 @@ Rectangle {
     required property var settings
     required property string current
     property var found: settings.panes("")
+    property real widest: 0 ///< of all rows that there were: a search does not move what stands beside
     readonly property int currentIndex: found.findIndex(each => each.pane === current)
 
     signal chosen(string pane)
@@ -28,8 +29,6 @@ Rectangle {
         if (found.length > 0)
             chosen(found[next].pane);
     }
-
-    property real widest: 0 ///< of all rows that there were: a search does not move what stands beside
 
     implicitWidth: widest + 24
     color: Theme.sidebar

@@ -134,8 +134,8 @@ public:
     QFont captionFont() const;
 
     int grid() const { return 4; }
-    int rowHeight() const { return qRound(24 * growth()); }
-    int headerHeight() const { return qRound(28 * growth()); }
+    int rowHeight() const { return m_look.grown(24); }
+    int headerHeight() const { return m_look.grown(28); }
     qreal growth() const { return m_look.growth(); }
     int horizontalPadding() const { return 16; }
     int verticalPadding() const { return 10; }

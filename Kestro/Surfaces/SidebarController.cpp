@@ -8,16 +8,14 @@
 #include "Kestro/Preferences/PreferenceKeys.h"
 #include "KestroCore/Support/Geometry.h"
 
-#include <cmath>
-
 namespace kestro {
 
 namespace {
 
 constexpr double hideDelay = 0.5;
 constexpr double fadeTime = 0.2;
-constexpr double cardWidth = 440;
-constexpr double cardHeader = 28;
+constexpr int cardWidth = 440;
+constexpr int cardHeader = 28;
 constexpr double cardPadding = 20; // above and below
 
 } // namespace
@@ -143,9 +141,8 @@ void SidebarController::placeCard(const QRectF& visible)
         return;
     }
     const SidebarEdge edge = m_state.prefs().edge;
-    const double growth = m_platform.appearance.look().growth();
-    const QSizeF size(
-        cardWidth * growth, m_model.cardBodyHeight(*kind) + std::round(cardHeader * growth) + cardPadding);
+    const Look look = m_platform.appearance.look();
+    const QSizeF size(look.grown(cardWidth), m_model.cardBodyHeight(*kind) + look.grown(cardHeader) + cardPadding);
     m_card.place(DockGeometry::cardFrame(size, frame.dock, frame.anchorOf(row, edge), edge, visible), edge);
 }
 

@@ -65,21 +65,20 @@ HookOrigin ProcPeerInspector::peer(int connection) const
 
 HookOrigin ProcPeerInspector::process(qint64 pid) const
 {
-    const std::lock_guard lock(m_mutex);
-    if (m_known.size() > mostKnown)
-        m_known.clear();
     HookOrigin origin;
     bool found = false;
     bool asBefore = false;
     while (pid > init && origin.ancestors.size() < deepest) {
-        Known* known = look(pid, asBefore);
+        auto known = look(pid, asBefore);
         // One that is younger than its child has the number of the child's real parent, which has ended.
         if (!known || (!origin.ancestors.empty() && known->info.id.startTime > origin.ancestors.back().id.startTime))
             break;
         origin.ancestors.push_back(known->info);
         if (!found && origin.ancestors.size() <= withEnvironment) {
-            if (!known->variables)
+            if (!known->variables) {
                 known->variables = proc::variables(m_root.get(), pid, { "WINDOWID", "TMUX", "TMUX_PANE" });
+                remember(*known);
+            }
             found = !std::ranges::all_of(*known->variables, &QByteArray::isEmpty);
             origin.windowID = known->variables->at(0);
             origin.tmux = known->variables->at(1);
@@ -90,29 +89,43 @@ HookOrigin ProcPeerInspector::process(qint64 pid) const
     return origin;
 }
 
-/// Null where there is no such process. The agent waits meanwhile, and each file costs it some twenty microseconds:
-/// above a process that is as it was, its parent included, nothing is read again. Further up one may have ended since;
-/// who acts on an ancestor looks at that one.
-ProcPeerInspector::Known* ProcPeerInspector::look(qint64 pid, bool& asBefore) const
+/// Nothing where there is no such process. The agent waits meanwhile, and each file costs it some twenty microseconds:
+/// above a process that is `asBefore`, its parent included, nothing is read again.
+std::optional<ProcPeerInspector::Known> ProcPeerInspector::look(qint64 pid, bool& asBefore) const
 {
-    const auto known = m_known.find(pid);
-    if (asBefore && known != m_known.end())
-        return &known->second;
+    auto known = recall(pid);
+    if (asBefore && known)
+        return known;
     const auto stat = proc::stat(m_root.get(), pid);
     if (!stat)
-        return nullptr;
+        return std::nullopt;
     const ProcessId id{ pid, stat->startTime };
-    const bool same =
-        known != m_known.end() && known->second.info.id == id && known->second.info.names.front() == stat->name;
-    asBefore = same && known->second.parent == stat->parent;
-    if (same) {
-        known->second.parent = stat->parent;
-        return &known->second;
-    }
-    QByteArrayList names = proc::programNames(m_root.get(), pid);
-    names.prepend(stat->name);
-    const Known now{ { id, std::move(names) }, stat->parent, std::nullopt };
-    return &m_known.insert_or_assign(pid, now).first->second;
+    const bool same = known && known->info.id == id && known->info.names.front() == stat->name;
+    asBefore = same && known->parent == stat->parent;
+    if (asBefore)
+        return known;
+    if (!same)
+        known = Known{ { id, QByteArrayList{ stat->name } + proc::programNames(m_root.get(), pid) }, 0, std::nullopt };
+    known->parent = stat->parent;
+    remember(*known);
+    return known;
+}
+
+// Only these two lock: a file of a process that hangs may hold its reader, and the other threads must go on.
+
+std::optional<ProcPeerInspector::Known> ProcPeerInspector::recall(qint64 pid) const
+{
+    const std::lock_guard lock(m_mutex);
+    const auto known = m_known.find(pid);
+    return known == m_known.end() ? std::nullopt : std::optional(known->second);
+}
+
+void ProcPeerInspector::remember(const Known& known) const
+{
+    const std::lock_guard lock(m_mutex);
+    if (m_known.size() >= mostKnown)
+        m_known.clear();
+    m_known.insert_or_assign(known.info.id.pid, known);
 }
 
 std::unique_ptr<ProcessWatch> ProcPeerInspector::watch(const ProcessId& process, std::function<void()> ended)

@@ -7,7 +7,6 @@
 #include <map>
 #include <mutex>
 #include <optional>
-#include <vector>
 
 namespace kestro {
 
@@ -25,9 +24,11 @@ private:
     struct Known {
         ProcessInfo info;
         qint64 parent;
-        std::optional<std::vector<QByteArray>> variables; ///< once they were read
+        std::optional<QByteArrayList> variables; ///< once they were read
     };
-    Known* look(qint64 pid, bool& asBefore) const;
+    std::optional<Known> look(qint64 pid, bool& asBefore) const;
+    std::optional<Known> recall(qint64 pid) const;
+    void remember(const Known& known) const;
 
     FileDescriptor m_root;
     mutable std::mutex m_mutex;

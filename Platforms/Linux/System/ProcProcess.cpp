@@ -88,16 +88,16 @@ QByteArrayList programNames(int root, qint64 pid)
     return names;
 }
 
-std::vector<QByteArray> variables(int root, qint64 pid, const std::vector<QByteArrayView>& names)
+QByteArrayList variables(int root, qint64 pid, const std::vector<QByteArrayView>& names)
 {
-    std::vector<QByteArray> values(names.size());
+    QByteArrayList values(qsizetype(names.size()));
     const QByteArray environment = read(root, pid, "environ", environmentBytes);
     for (QByteArrayView rest(environment); !rest.isEmpty();) {
         const qsizetype end = rest.indexOf('\0');
         const QByteArrayView entry = end < 0 ? rest : rest.first(end);
         for (std::size_t i = 0; i < names.size(); ++i) {
             if (entry.startsWith(names[i]) && entry.sliced(names[i].size()).startsWith('='))
-                values[i] = entry.sliced(names[i].size() + 1).toByteArray();
+                values[qsizetype(i)] = entry.sliced(names[i].size() + 1).toByteArray();
         }
         rest = end < 0 ? QByteArrayView() : rest.sliced(end + 1);
     }

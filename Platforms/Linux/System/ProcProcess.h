@@ -25,6 +25,6 @@ std::optional<Stat> stat(int root, qint64 pid);
 /// The base names of its executable and of its first two arguments, as far as they can be read.
 QByteArrayList programNames(int root, qint64 pid);
 /// The values of these variables of its environment, empty where it has none.
-std::vector<QByteArray> variables(int root, qint64 pid, const std::vector<QByteArrayView>& names);
+QByteArrayList variables(int root, qint64 pid, const std::vector<QByteArrayView>& names);
 
 } // namespace kestro::proc
