@@ -5,8 +5,10 @@ import Kestro.Style
 Rectangle {
     id: root
 
-    required property var model
+    required property var widget
     required property var toolTips
+    readonly property var agents: widget.agents
+    readonly property var limits: widget.limits
     readonly property bool seen: Window.visibility !== Window.Hidden && Window.visibility !== Window.Minimized
     readonly property real margins: 20
     readonly property real padding: 8
@@ -17,12 +19,12 @@ Rectangle {
     Component.onCompleted: sessions.forceActiveFocus()
 
     // What is left of a limit's time is told in minutes.
-    onSeenChanged: if (seen) model.limitsChanged()
+    onSeenChanged: if (seen) limits.refreshTimes()
     Timer {
         interval: 60000
         repeat: true
-        running: root.seen && root.model.limitsEnabled
-        onTriggered: root.model.limitsChanged()
+        running: root.seen && root.limits.enabled.on
+        onTriggered: root.limits.refreshTimes()
     }
 
     component Title: Label {
@@ -68,15 +70,15 @@ Rectangle {
             id: sessions
 
             anchors { fill: parent; margins: root.padding }
-            visible: root.model.agentsEnabled
+            visible: root.agents.activity.on
             focus: true
             keyboard: true
-            rows: root.model.sessionRows
-            errorLines: root.model.agentErrorLines
-            onRaise: id => root.model.raiseSession(id)
+            rows: root.agents.rows
+            errorLines: root.agents.errorLines
+            onRaise: id => root.agents.raiseSession(id)
         }
         Off {
-            visible: !root.model.agentsEnabled
+            visible: !root.agents.activity.on
             text: "Agent activity is off."
         }
     }
@@ -90,20 +92,20 @@ Rectangle {
         id: limitsGroup
 
         anchors { bottom: parent.bottom; bottomMargin: root.margins }
-        height: (root.model.limitsEnabled ? limits.height : Theme.rowHeight) + 2 * root.padding
+        height: (root.limits.enabled.on ? limitsList.height : Theme.rowHeight) + 2 * root.padding
 
         LimitsList {
-            id: limits
+            id: limitsList
 
             anchors { left: parent.left; right: parent.right; top: parent.top; margins: root.padding }
-            visible: root.model.limitsEnabled
-            rows: root.model.limitRows
-            errorLines: root.model.limitErrorLines
-            barStyle: root.model.statsCard.barStyle
+            visible: root.limits.enabled.on
+            rows: root.limits.rows
+            errorLines: root.limits.errorLines
+            barStyle: root.limits.barStyle
             toolTips: root.toolTips
         }
         Off {
-            visible: !root.model.limitsEnabled
+            visible: !root.limits.enabled.on
             text: "Usage limits are off."
         }
     }

@@ -5,7 +5,9 @@ import Kestro.Style
 Pane {
     id: pane
 
-    readonly property var health: model.agentHealth
+    readonly property var agents: subject.agents
+    readonly property var limits: subject.limits
+    readonly property var health: subject.health
 
     // What went wrong with the section above.
     component Errors: Column {
@@ -32,9 +34,9 @@ Pane {
     onVisibleChanged: if (visible) health.refresh()
 
     Connections {
-        target: pane.model
+        target: pane.agents
 
-        function onSwitchesChanged() { pane.health.refresh() }
+        function onErrorsChanged() { pane.health.refresh() }
     }
     Timer {
         interval: 60000
@@ -54,8 +56,8 @@ Pane {
                 id: all
 
                 label: "Show Claude Code, Codex & Cursor activity"
-                checked: pane.model.agentsEnabled
-                onToggled: on => pane.model.agentsEnabled = on
+                checked: pane.agents.activity.on
+                onToggled: on => pane.agents.activity.on = on
             }
         }
         SettingRow {
@@ -65,9 +67,9 @@ Pane {
                 id: claude
 
                 label: "Claude Code"
-                enabled: pane.model.agentsEnabled
-                checked: pane.model.claudeEnabled
-                onToggled: on => pane.model.claudeEnabled = on
+                enabled: pane.agents.activity.on
+                checked: pane.agents.claude.on
+                onToggled: on => pane.agents.claude.on = on
             }
         }
         SettingRow {
@@ -77,27 +79,27 @@ Pane {
                 id: codex
 
                 label: "Codex"
-                enabled: pane.model.agentsEnabled
-                checked: pane.model.codexEnabled
-                onToggled: on => pane.model.codexEnabled = on
+                enabled: pane.agents.activity.on
+                checked: pane.agents.codex.on
+                onToggled: on => pane.agents.codex.on = on
             }
         }
         SettingRow {
             label: cursor.label
-            caption: pane.model.cursorInstalled ? "" : "Cursor isn't installed (no ~/.cursor folder)."
+            caption: pane.agents.cursorInstalled ? "" : "Cursor isn't installed (no ~/.cursor folder)."
 
             Toggle {
                 id: cursor
 
                 label: "Cursor"
-                enabled: pane.model.agentsEnabled && pane.model.cursorInstalled
-                checked: pane.model.cursorEnabled
-                onToggled: on => pane.model.cursorEnabled = on
+                enabled: pane.agents.activity.on && pane.agents.cursorInstalled
+                checked: pane.agents.cursor.on
+                onToggled: on => pane.agents.cursor.on = on
             }
         }
     }
     Errors {
-        lines: pane.model.agentErrorLines
+        lines: pane.agents.errorLines
     }
     Section {
         footer: "Codex limits are read from ~/.codex/sessions. For Claude Code, the statusLine command in "
@@ -106,19 +108,19 @@ Pane {
             + "status line looks exactly the same. Turning this off restores it."
 
         SettingRow {
-            label: limits.label
+            label: planLimits.label
 
             Toggle {
-                id: limits
+                id: planLimits
 
                 label: "Show Claude Code & Codex plan limits"
-                checked: pane.model.limitsEnabled
-                onToggled: on => pane.model.limitsEnabled = on
+                checked: pane.limits.enabled.on
+                onToggled: on => pane.limits.enabled.on = on
             }
         }
     }
     Errors {
-        lines: pane.model.limitErrorLines
+        lines: pane.limits.errorLines
     }
     Section {
         title: "Hooks"

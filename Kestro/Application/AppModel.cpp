@@ -1,187 +1,93 @@
 #include "Kestro/Application/AppModel.h"
 
-#include "Kestro/Application/FeatureSwitches.h"
 #include "Kestro/Platform/Appearance.h"
-#include "Kestro/Platform/PreferenceStore.h"
-#include "Kestro/Platform/SystemCounters.h"
+#include "Kestro/Preferences/PreferenceKeys.h"
+
+#include <utility>
 
 namespace kestro {
 
-Folders Folders::under(const QString& home)
-{
-    return { home, home + QStringLiteral("/Library/Application Support/Kestro"),
-        home + QStringLiteral("/Library/Caches/com.lumbra.ombrel") };
-}
-
-AppModel::AppModel(const Platform& platform, Folders folders)
+AppModel::AppModel(const Platform& platform, const Folders& folders)
     : m_platform(platform)
-    , m_folders(std::move(folders))
-    , m_now(platform.loop.now())
+    , m_host(platform.preferences)
     , m_launcher(platform.loop, platform.preferences, platform.workspace, platform.fetcher, platform.log,
-          m_folders.caches + QStringLiteral("/favicons"))
-    , m_openNotchShortcut(
-          KeyCombo::decodeStored(prefs::openNotchShortcut.read(platform.preferences), KeyCombo::openNotchDefault))
-    , m_waitingAgentShortcut(
-          KeyCombo::decodeStored(prefs::waitingAgentShortcut.read(platform.preferences), std::nullopt))
+          folders.caches + QStringLiteral("/favicons"))
+    , m_items(m_host, m_launcher, platform.preferences)
     , m_hotKeys(platform.hotKeys, platform.log)
-    , m_statsCard(platform.preferences)
-    , m_agentHealth(platform, m_folders.home, m_folders.data + QStringLiteral("/agents.sock"))
-    , m_agentProcesses(platform.peers, platform.loop, [this](const QString& id) { agentEnded(id); })
-    , m_wayBack(platform)
+    , m_shortcuts(m_hotKeys, platform.preferences, platform.loop, platform.keyboard, platform.session)
+    , m_itemShortcuts(m_launcher, m_items)
+    , m_openNotchShortcut(platform.preferences, openNotchShortcut())
+    , m_agents(m_host, platform, folders)
 {
-    for (std::size_t each = 0; each < featureSwitchCount; ++each)
-        m_on[each] = switchKey(FeatureSwitch(each)).read(platform.preferences);
-    m_agentHealth.repairAll = [this] {
-        m_socket.reset();
-        applyAgents();
-        if (isOn(FeatureSwitch::limits))
-            applyLimits();
-    };
-    m_agentHealth.isWanted = [this](Agent agent) { return isWatched(agent); };
-    connect(&m_wayBack, &WayBack::lostChanged, this, &AppModel::showSessions);
-    connect(&m_hotKeys, &HotKeyCenter::keyboardChanged, this, &AppModel::registerShortcuts);
-    connect(&m_launcher, &LauncherModel::storeChanged, this, [this] {
-        syncShortcuts();
-        Q_EMIT shownWidgetChanged();
-        Q_EMIT changed();
-    });
-    connect(&m_launcher, &LauncherModel::faviconsChanged, this, &AppModel::changed);
+    m_shortcuts.add(m_openNotchShortcut);
+    for (Feature* feature : m_host.features) {
+        for (Widget* widget : feature->widgets())
+            m_items.add(*widget);
+        for (ShortcutSource* source : feature->shortcuts())
+            m_shortcuts.add(*source);
+    }
+    m_shortcuts.add(m_itemShortcuts);
+
+    // An item or a feature that came or went took its shortcuts with it.
+    connect(&m_launcher, &LauncherModel::storeChanged, &m_shortcuts, &ShortcutAssignments::sync);
+    connect(&m_host.switches, &FeatureSwitches::turned, &m_shortcuts, &ShortcutAssignments::sync);
+
+    connect(&m_items, &WidgetItems::shownChanged, this, &AppModel::shownWidgetChanged);
+    connect(&m_items, &WidgetItems::shownChanged, this, &AppModel::changed);
+    connect(&m_items, &WidgetItems::heightChanged, this, &AppModel::changed);
+    connect(&m_items, &WidgetItems::tileChanged, this, &AppModel::tilesChanged);
+    connect(&m_host.surface, &SurfaceState::expandedChanged, this, &AppModel::changed);
+    connect(&m_host.surface, &SurfaceState::widgetPicked, this, &AppModel::widgetSelected);
+    connect(&m_host.switches, &FeatureSwitches::turned, this, &AppModel::changed);
+    connect(&m_launcher, &LauncherModel::storeChanged, this, &AppModel::changed);
+    connect(&m_launcher, &LauncherModel::faviconsChanged, this, &AppModel::tilesChanged);
     connect(&m_launcher, &LauncherModel::noticeChanged, this, &AppModel::changed);
 }
 
 AppModel::~AppModel() = default;
 
+PreferenceShortcut::Description AppModel::openNotchShortcut()
+{
+    return { .owner = ShortcutOwner::openNotch(),
+        .key = prefs::openNotchShortcut.key,
+        .fallback = KeyCombo::openNotchDefault,
+        .section = QStringLiteral("Surface"),
+        .name = QStringLiteral("Open / close notch"),
+        .title = QStringLiteral("Open / close notch or dock"),
+        .isActive = [] { return true; },
+        .perform = [this] { toggleNotch(); } };
+}
+
 void AppModel::start()
 {
-    m_lastTicks = m_platform.counters.cpuTicks(); // so that the first opening has a share to show
-    m_launcher.migrate(enabledWidgets());
-    // A switch that was turned in the file while nothing ran has no tile yet, or still has one.
-    for (const WidgetKind kind : WidgetKinds::migrationOrder)
-        syncWidgetItem(kind);
-    if (isOn(FeatureSwitch::agents))
-        applyAgents();
-    if (isOn(FeatureSwitch::limits))
-        applyLimits();
-    m_started = true;
-    registerShortcuts();
-    connect(&m_platform.preferences, &PreferenceStore::changed, this, &AppModel::preferencesChanged);
+    m_items.start();
+    for (Feature* feature : m_host.features)
+        feature->start();
+    m_shortcuts.start();
 }
 
-std::set<WidgetKind> AppModel::enabledWidgets() const
+void AppModel::finish()
 {
-    std::set<WidgetKind> enabled{ WidgetKind::stats, WidgetKind::keyboardCleaner, WidgetKind::shelf,
-        WidgetKind::calendar, WidgetKind::timer, WidgetKind::notes, WidgetKind::colorPicker, WidgetKind::mirror,
-        WidgetKind::captures, WidgetKind::windows, WidgetKind::displays };
-    const auto addIf = [&](bool on, WidgetKind kind) {
-        if (on)
-            enabled.insert(kind);
-    };
-    addIf(isOn(FeatureSwitch::agents) || isOn(FeatureSwitch::limits), WidgetKind::ai);
-    addIf(isOn(FeatureSwitch::music), WidgetKind::music);
-    addIf(isOn(FeatureSwitch::bluetooth), WidgetKind::bluetooth);
-    addIf(isOn(FeatureSwitch::weather), WidgetKind::weather);
-    addIf(isOn(FeatureSwitch::clipboard), WidgetKind::clipboard);
-    return enabled;
-}
-
-QList<LaunchItem> AppModel::visibleItems() const
-{
-    return LauncherStore::visibleItems(m_launcher.store().items(), enabledWidgets(), availableWidgets());
-}
-
-QList<WidgetKind> AppModel::visibleWidgets() const
-{
-    QList<WidgetKind> kinds;
-    for (const LaunchItem& item : visibleItems()) {
-        if (const auto kind = item.widget())
-            kinds.append(*kind);
-    }
-    return kinds;
-}
-
-std::optional<WidgetKind> AppModel::shownWidget() const
-{
-    const QList<WidgetKind> kinds = visibleWidgets();
-    if (m_selectedWidget && kinds.contains(*m_selectedWidget))
-        return m_selectedWidget;
-    return kinds.isEmpty() ? std::nullopt : std::optional(kinds.first());
-}
-
-QString AppModel::shownWidgetName() const
-{
-    const auto kind = shownWidget();
-    return kind ? rawValue(*kind) : QString();
+    for (Feature* feature : m_host.features)
+        feature->finish();
 }
 
 double AppModel::cardBodyHeight(WidgetKind kind) const
 {
-    const Look look = m_platform.appearance.look();
-    const double row = look.grown(24);
-    constexpr double divider = 9;
-    switch (kind) {
-    case WidgetKind::ai: {
-        const qsizetype sessions = std::clamp<qsizetype>(qsizetype(m_store.sessions.size()), 1, 4);
-        const qsizetype agents = agentsEnabled() ? m_agentErrors.size() + sessions : 0;
-        const qsizetype limits = limitsEnabled() ? m_limitErrors.size() + 2 : 0;
-        return row * double(agents + limits) + (agents > 0 && limits > 0 ? divider : 0);
-    }
-    case WidgetKind::stats:
-    default:
-        return look.grown(78);
-    }
+    const Widget* widget = m_items.find(kind);
+    return widget ? widget->bodyHeight(m_platform.appearance.look()) : 0;
 }
 
-QList<DockItemSize> AppModel::dockSizes(const QList<LaunchItem>& items) const
+void AppModel::openShownWindow()
 {
-    QList<DockItemSize> sizes;
-    sizes.reserve(items.size());
-    for (const LaunchItem& item : items)
-        sizes.append(item.isDivider() ? DockItemSize::divider : DockItemSize::icon);
-    return sizes;
+    if (const Widget* shown = card(); shown && shown->hasWindow())
+        m_host.openWindow(shown->kind());
 }
 
-void AppModel::setExpanded(bool expanded)
+void AppModel::setSettingsPane(const QString& pane)
 {
-    if (m_expanded == expanded)
-        return;
-    m_expanded = expanded;
-    if (expanded) {
-        showSessions();
-        startLimitsTimer();
-        Q_EMIT limitsChanged(); // the rows tell the time that is left
-    } else {
-        m_limitsTimer.cancel();
-        setSelectedWidget(std::nullopt);
-    }
-    syncStats();
-    Q_EMIT expandedChanged();
-    Q_EMIT changed();
-}
-
-void AppModel::setSelectedWidget(std::optional<WidgetKind> kind)
-{
-    const bool same = m_selectedWidget == kind;
-    m_selectedWidget = kind;
-    if (kind)
-        Q_EMIT widgetSelected();
-    if (same)
-        return;
-    Q_EMIT shownWidgetChanged();
-    Q_EMIT changed();
-}
-
-void AppModel::setSettingsPane(SettingsPane pane)
-{
-    if (m_settingsPane == pane)
-        return;
-    m_settingsPane = pane;
-    Q_EMIT settingsPaneChanged();
-}
-
-void AppModel::setSettingsPaneName(const QString& name)
-{
-    if (const auto pane = fromRaw<SettingsPane>(name))
-        setSettingsPane(*pane);
+    if (std::exchange(m_settingsPane, pane) != pane)
+        Q_EMIT settingsPaneChanged();
 }
 
 void AppModel::setSettingsTarget(const std::optional<QUuid>& id)
@@ -189,9 +95,5 @@ void AppModel::setSettingsTarget(const std::optional<QUuid>& id)
     m_settingsTarget = id;
     Q_EMIT settingsTargetChanged();
 }
-
-void AppModel::setDockVisible(bool visible) { m_dockVisible = visible; }
-
-void AppModel::setDisplaysAsleep(bool asleep) { m_displaysAsleep = asleep; }
 
 } // namespace kestro

@@ -45,13 +45,14 @@ AppDelegate::AppDelegate(const Platform& platform, const Folders& folders)
     : m_platform(platform)
     , m_theme(platform.appearance)
     , m_model(platform, migrated(folders))
+    , m_windows(m_model, m_engine)
 {
     m_theme.setComposited(platform.panels.isComposited());
     connect(&platform.panels, &Panels::compositedChanged, this,
         [this] { m_theme.setComposited(m_platform.panels.isComposited()); });
     m_theme.install(m_engine);
-    m_model.openSettings = [this] { showSettings(); };
-    m_model.openWindow = [this](WidgetKind kind) { showWindow(kind); };
+    m_model.host().openSettings = [this] { showSettings(); };
+    m_model.host().openWindow = [this](WidgetKind kind) { showWindow(kind); };
     connect(&platform.statusItem, &StatusItem::activated, this, &AppDelegate::showSettings);
     connect(&platform.statusItem, &StatusItem::menuRequested, this, &AppDelegate::openTrayMenu);
 }
@@ -80,6 +81,7 @@ void AppDelegate::applicationWillTerminate()
     m_trayWork.cancel();
     m_theme.disconnect(this);
     m_platform.statusItem.hide();
+    m_model.finish();
     m_platform.preferences.flush();
 }
 
@@ -92,29 +94,16 @@ void AppDelegate::showStatusItem()
 void AppDelegate::showSettings()
 {
     if (!m_settings)
-        m_settings = std::make_unique<SettingsWindow>(m_model, m_engine, [this] { leave(std::move(m_settings)); });
+        m_settings =
+            std::make_unique<SettingsWindow>(m_model, m_engine, [this] { m_windows.leave(std::move(m_settings)); });
     m_settings->bringToFront();
 }
 
 void AppDelegate::showWindow(WidgetKind kind)
 {
-    if (kind != WidgetKind::ai)
-        return;
     if (m_sidebar)
         m_sidebar->giveWay();
-    if (!m_aiWindow)
-        m_aiWindow = std::make_unique<AIWindow>(m_model, m_engine, [this] { leave(std::move(m_aiWindow)); });
-    m_aiWindow->bringToFront();
-}
-
-void AppDelegate::leave(std::unique_ptr<QWindow> window)
-{
-    // It is still on the stack: it goes on a later turn, and with the rest of us if there is none.
-    m_leaving.push_back(std::move(window));
-    m_leaveWork = m_platform.loop.after(0, [this] {
-        m_leaving.clear();
-        m_engine.collectGarbage();
-    });
+    m_windows.open(kind);
 }
 
 QList<MenuEntry> AppDelegate::trayMenu()
@@ -122,7 +111,7 @@ QList<MenuEntry> AppDelegate::trayMenu()
     return {
         { QStringLiteral("Check for Updates…"), true,
             [this] {
-                m_model.setSettingsPane(SettingsPane::general);
+                m_model.setSettingsPane(QStringLiteral("general"));
                 showSettings();
             } },
         {},
@@ -139,7 +128,7 @@ void AppDelegate::openTrayMenu(QPointF at)
     m_trayMenu = std::make_unique<ItemMenu>(
         m_engine, m_platform, trayMenu(),
         [this, at](QSizeF size) { return menuPlace(at, size, m_platform.screens.all()); },
-        [this] { leave(std::move(m_trayMenu)); });
+        [this] { m_windows.leave(std::move(m_trayMenu)); });
 }
 
 void AppDelegate::applyDisplayMode()
@@ -157,7 +146,7 @@ void AppDelegate::applyDisplayMode()
         if (sidebar)
             sidebar->toggle();
     };
-    m_model.showCard = [sidebar = QPointer(m_sidebar.get())](WidgetKind kind) {
+    m_model.host().showCard = [sidebar = QPointer(m_sidebar.get())](WidgetKind kind) {
         if (sidebar)
             sidebar->show(kind);
     };

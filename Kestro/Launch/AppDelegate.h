@@ -3,7 +3,7 @@
 #include "Kestro/Application/AppModel.h"
 #include "Kestro/Settings/SettingsWindow.h"
 #include "Kestro/Style/Theme.h"
-#include "Kestro/Surfaces/AIWindow.h"
+#include "Kestro/Surfaces/FullWindows.h"
 #include "Kestro/Surfaces/NotchPanelController.h"
 #include "Kestro/Surfaces/SidebarController.h"
 #include "KestroCore/Layout/DisplayMode.h"
@@ -39,20 +39,17 @@ private:
     void showStatusItem();
     QList<MenuEntry> trayMenu();
     void openTrayMenu(QPointF at);
-    void leave(std::unique_ptr<QWindow> window);
 
     Platform m_platform;
     Theme m_theme;
     QQmlEngine m_engine;
     AppModel m_model;
+    FullWindows m_windows;
     std::unique_ptr<NotchPanelController> m_panel;
     std::unique_ptr<SidebarController> m_sidebar;
     std::optional<DisplayMode> m_mode;
     std::unique_ptr<SettingsWindow> m_settings; ///< there while it is open
-    std::unique_ptr<AIWindow> m_aiWindow; ///< there while it is open
     std::unique_ptr<ItemMenu> m_trayMenu; ///< there while it is open
-    std::vector<std::unique_ptr<QWindow>> m_leaving; ///< closed, and about to be destroyed
-    WorkItem m_leaveWork;
     WorkItem m_trayWork;
 };
 

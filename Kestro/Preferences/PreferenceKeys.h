@@ -53,13 +53,6 @@ inline constexpr Preference<bool> launcherItemsMigrated{ Key("launcherItems.migr
 inline constexpr Preference<int> onboardingVersion{ Key("onboardingVersion"), 0 };
 
 // Feature switches
-inline constexpr Preference<bool> agentsEnabled{ Key("agentsEnabled"), false };
-inline constexpr Preference<bool> claudeEnabled{ Key("claudeEnabled"), true };
-inline constexpr Preference<bool> codexEnabled{ Key("codexEnabled"), true };
-/// Absent means more than off: the agent's folder decides when agents are first switched on.
-inline constexpr Preference<std::optional<bool>> cursorStored{ Key("cursorEnabled") };
-inline constexpr Preference<bool> cursorEnabled{ Key("cursorEnabled"), false };
-inline constexpr Preference<bool> limitsEnabled{ Key("limitsEnabled"), false };
 inline constexpr Preference<bool> musicEnabled{ Key("musicEnabled"), false };
 inline constexpr Preference<bool> bluetoothEnabled{ Key("bluetoothEnabled"), false };
 inline constexpr Preference<bool> weatherEnabled{ Key("weatherEnabled"), false };
@@ -72,7 +65,6 @@ inline constexpr Preference<bool> hapticsEnabled{ Key("hapticsEnabled"), true };
 
 // Shortcuts: KeyCombo::decodeStored reads them, since their fallbacks are combinations.
 inline constexpr OptionalData openNotchShortcut{ Key("openNotchShortcut") };
-inline constexpr OptionalData waitingAgentShortcut{ Key("waitingAgentShortcut") };
 inline constexpr OptionalData clipboardShortcut{ Key("clipboardShortcut") };
 inline constexpr PreferenceFamily<std::optional<QByteArray>> captureShortcut{ Key(
     "captureShortcut.") }; ///< by capture mode

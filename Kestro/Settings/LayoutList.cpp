@@ -62,7 +62,7 @@ ShortcutRecorder* LayoutList::recorder(const QUuid& id) const
 {
     auto& recorder = m_recorders[id];
     if (!recorder) {
-        recorder = m_model.makeRecorder(ShortcutOwner::launchItem(id));
+        recorder = m_model.shortcuts().makeRecorder(ShortcutOwner::launchItem(id));
         QQmlEngine::setObjectOwnership(recorder.get(), QQmlEngine::CppOwnership);
     }
     return recorder.get();
@@ -119,7 +119,7 @@ bool LayoutList::canAddDivider() const
 QVariantList LayoutList::addableWidgets() const
 {
     QVariantList widgets;
-    for (const WidgetKind kind : AppModel::availableWidgets()) {
+    for (const WidgetKind kind : m_model.items().available()) {
         if (!m_model.launcher().store().contains(kind))
             widgets.append(QVariantMap{ { QStringLiteral("value"), rawValue(kind) },
                 { QStringLiteral("title"), LaunchItem{ {}, LaunchItem::Widget{ kind } }.name() } });
@@ -144,7 +144,7 @@ int LayoutList::selectedRow() const
     return -1;
 }
 
-void LayoutList::say(const std::optional<QString>& message)
+void LayoutList::setMessage(const std::optional<QString>& message)
 {
     m_message = message.value_or(QString());
     Q_EMIT messageChanged();
@@ -171,17 +171,17 @@ bool LayoutList::drop(const QString& payload, int before)
 
 void LayoutList::remove(int row)
 {
-    say(std::nullopt);
+    setMessage(std::nullopt);
     if (row >= 0 && row < rowCount())
-        m_model.removeItem(LaunchItem(m_items[row])); // the row goes while it runs
+        m_model.items().removeItem(LaunchItem(m_items[row])); // the row goes while it runs
 }
 
 void LayoutList::addApps(const QStringList& paths)
 {
-    say(std::nullopt);
+    setMessage(std::nullopt);
     for (const QString& path : paths) {
         if (const auto message = m_model.launcher().add({ QUuid::createUuid(), LaunchItem::App{ path } }))
-            return say(message);
+            return setMessage(message);
     }
 }
 
@@ -201,10 +201,10 @@ void LayoutList::endChoosing()
 void LayoutList::addWidget(const QString& kind)
 {
     if (const auto widget = fromRaw<WidgetKind>(kind))
-        say(m_model.addWidget(*widget));
+        setMessage(m_model.items().addWidget(*widget));
 }
 
-void LayoutList::addDivider() { say(m_model.launcher().add({ QUuid::createUuid(), LaunchItem::Divider{} })); }
+void LayoutList::addDivider() { setMessage(m_model.launcher().add({ QUuid::createUuid(), LaunchItem::Divider{} })); }
 
 bool LayoutList::isAddress(const QString& text) const { return LauncherStore::validatedURL(text).has_value(); }
 
@@ -213,7 +213,7 @@ bool LayoutList::addLink(const QString& address, const QString& title)
     const auto url = LauncherStore::validatedURL(address);
     if (!url)
         return false;
-    say(m_model.launcher().add({ QUuid::createUuid(), LaunchItem::Link{ *url, title.trimmed() } }));
+    setMessage(m_model.launcher().add({ QUuid::createUuid(), LaunchItem::Link{ *url, title.trimmed() } }));
     return true;
 }
 

@@ -70,7 +70,7 @@ Q_SIGNALS:
 
 private:
     void follow();
-    void say(const std::optional<QString>& message);
+    void setMessage(const std::optional<QString>& message);
     ShortcutRecorder* recorder(const QUuid& id) const;
 
     AppModel& m_model;

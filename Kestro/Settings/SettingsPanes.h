@@ -1,26 +1,17 @@
 #pragma once
 
-#include "Kestro/Application/SettingsPane.h"
+#include "Kestro/Widgets/SettingsPane.h"
 
 #include <QList>
-#include <QString>
-#include <QStringList>
 
 namespace kestro {
 
-/// A pane as the sidebar lists it and the window loads it.
-struct PaneEntry {
-    SettingsPane pane;
-    QString title;
-    QString symbol;
-    QString view; ///< folder and name of a view whose root is a `Pane`
-    QStringList words; ///< of its rows, to be found by
-};
+class AppModel;
 
-/// All of them, in the sidebar's order.
-const QList<PaneEntry>& settingsPanes();
+/// All panes in the sidebar's order: those of no feature alone, and between them the features'.
+QList<SettingsPane> settingsPanes(AppModel& model);
 
-/// Those whose title or words have every word of `text` in them somewhere, in the same order.
-QList<PaneEntry> settingsPanes(const QString& text);
+/// Those of `panes` whose title or words have every word of `text` in them somewhere, in the same order.
+QList<SettingsPane> found(const QList<SettingsPane>& panes, const QString& text);
 
 } // namespace kestro

@@ -14,7 +14,7 @@ Rectangle {
     }
     function load() {
         const entry = settings.panes("").find(each => each.pane === pane);
-        shown.setSource(entry.view, { model: model, settings: settings, title: entry.title });
+        shown.setSource(entry.view, { model: model, settings: settings, subject: entry.subject, title: entry.title });
     }
 
     color: Theme.window

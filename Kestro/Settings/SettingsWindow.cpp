@@ -1,6 +1,7 @@
 #include "Kestro/Settings/SettingsWindow.h"
 
 #include "Kestro/Application/AppModel.h"
+#include "Kestro/Preferences/PreferenceKeys.h"
 #include "Kestro/Settings/SettingsPanes.h"
 
 #include <QKeyEvent>
@@ -17,24 +18,31 @@ SettingsWindow::SettingsWindow(AppModel& model, QQmlEngine& engine, std::functio
     , m_general(model.platform().loginItem)
     , m_appearance(model.platform())
     , m_layout(model)
-    , m_surfaceShortcuts(model,
-          [] {
-              return QList{ ShortcutOwner::openNotch(), ShortcutOwner::waitingAgent() };
-          })
-    , m_itemShortcuts(model, ShortcutList::ofLayout(model))
+    , m_shortcuts(ShortcutList::ofSections(model))
+    , m_panes(settingsPanes(model))
     , m_host(*this, engine, QStringLiteral("Settings/SettingsView"),
           { { QStringLiteral("model"), QVariant::fromValue(&model) },
               { QStringLiteral("settings"), QVariant::fromValue(this) } })
 {
 }
 
+QVariantList SettingsWindow::shortcuts() const
+{
+    QVariantList sections;
+    for (const auto& list : m_shortcuts)
+        sections.append(QVariantMap{ { QStringLiteral("title"), list->section() },
+            { QStringLiteral("list"), QVariant::fromValue(list.get()) } });
+    return sections;
+}
+
 QVariantList SettingsWindow::panes(const QString& search) const
 {
     QVariantList rows;
-    for (const PaneEntry& each : settingsPanes(search)) {
-        rows.append(QVariantMap{ { QStringLiteral("pane"), rawValue(each.pane) },
-            { QStringLiteral("title"), each.title }, { QStringLiteral("symbol"), each.symbol },
-            { QStringLiteral("view"), QStringLiteral("qrc:/qt-project.org/imports/Kestro/%1.qml").arg(each.view) } });
+    for (const SettingsPane& each : found(m_panes, search)) {
+        rows.append(QVariantMap{ { QStringLiteral("pane"), each.id }, { QStringLiteral("title"), each.title },
+            { QStringLiteral("symbol"), each.symbol },
+            { QStringLiteral("view"), QStringLiteral("qrc:/qt-project.org/imports/Kestro/%1.qml").arg(each.view) },
+            { QStringLiteral("subject"), QVariant::fromValue(each.subject) } });
     }
     return rows;
 }
@@ -44,8 +52,8 @@ bool SettingsWindow::keyDown(const QKeyEvent& event)
     if ((event.modifiers() & ~Qt::KeypadModifier) != Qt::ControlModifier)
         return false;
     const int pane = event.key() - Qt::Key_1;
-    if (pane >= 0 && pane < settingsPanes().size()) {
-        m_model.setSettingsPane(settingsPanes()[pane].pane);
+    if (pane >= 0 && pane < m_panes.size()) {
+        m_model.setSettingsPane(m_panes[pane].id);
         return true;
     }
     if (event.key() != Qt::Key_F)

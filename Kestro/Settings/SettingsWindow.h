@@ -6,6 +6,7 @@
 #include "Kestro/Style/HostingView.h"
 #include "Kestro/Surfaces/AppearanceSettings.h"
 #include "Kestro/Surfaces/FullWindow.h"
+#include "Kestro/Widgets/SettingsPane.h"
 
 namespace kestro {
 
@@ -18,8 +19,8 @@ class SettingsWindow final : public FullWindow {
     Q_PROPERTY(kestro::GeneralSettings* general READ general CONSTANT)
     Q_PROPERTY(kestro::AppearanceSettings* appearance READ appearance CONSTANT)
     Q_PROPERTY(kestro::LayoutList* layout READ layout CONSTANT)
-    Q_PROPERTY(kestro::ShortcutList* surfaceShortcuts READ surfaceShortcuts CONSTANT)
-    Q_PROPERTY(kestro::ShortcutList* itemShortcuts READ itemShortcuts CONSTANT)
+    /// The sections of shortcuts: a map of "title" and "list" each.
+    Q_PROPERTY(QVariantList shortcuts READ shortcuts CONSTANT)
 public:
     /// Shows nothing yet. `closed` is called when the user has closed it; its owner may destroy it later.
     SettingsWindow(AppModel& model, QQmlEngine& engine, std::function<void()> closed);
@@ -30,8 +31,7 @@ public:
     GeneralSettings* general() { return &m_general; }
     AppearanceSettings* appearance() { return &m_appearance; }
     LayoutList* layout() { return &m_layout; }
-    ShortcutList* surfaceShortcuts() { return &m_surfaceShortcuts; }
-    ShortcutList* itemShortcuts() { return &m_itemShortcuts; }
+    QVariantList shortcuts() const;
 
 protected:
     /// Ctrl and a number for a pane, Ctrl-F for the search.
@@ -42,8 +42,8 @@ private:
     GeneralSettings m_general;
     AppearanceSettings m_appearance;
     LayoutList m_layout;
-    ShortcutList m_surfaceShortcuts;
-    ShortcutList m_itemShortcuts;
+    std::vector<std::unique_ptr<ShortcutList>> m_shortcuts;
+    QList<SettingsPane> m_panes;
     HostingView m_host; // the last, since it shows what is above
 };
 

@@ -4,41 +4,48 @@
 
 #include <QAbstractListModel>
 #include <QQmlEngine>
-#include <functional>
 #include <map>
 #include <memory>
+#include <vector>
 
 namespace kestro {
 
 class AppModel;
 class ShortcutRecorder;
+class ShortcutSource;
 
-/// Shortcuts with their controls. Main thread.
+/// One section of shortcuts with their controls. Main thread.
 class ShortcutList final : public QAbstractListModel {
     Q_OBJECT
     QML_ANONYMOUS
 public:
-    using Owners = std::function<QList<ShortcutOwner>()>;
     enum Role { Title = Qt::UserRole, Recorder };
 
-    /// `owners` is asked again whenever the layout changes.
-    ShortcutList(AppModel& model, Owners owners);
+    /// One for each section of the sources, in the sources' order. `model` must outlive them.
+    static std::vector<std::unique_ptr<ShortcutList>> ofSections(AppModel& model);
+
+    ShortcutList(AppModel& model, const QString& section);
     ~ShortcutList() override;
+
+    const QString& section() const { return m_section; }
 
     int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
     QHash<int, QByteArray> roleNames() const override;
 
-    /// Of the items of the layout, in its order.
-    static Owners ofLayout(AppModel& model);
-
 private:
+    struct Row {
+        const ShortcutSource* source;
+        ShortcutOwner owner;
+        bool operator==(const Row&) const = default;
+    };
+    QList<Row> ask() const;
     void follow();
     ShortcutRecorder* recorder(const ShortcutOwner& owner) const;
 
     AppModel& m_model;
-    Owners m_ask;
-    QList<ShortcutOwner> m_owners;
+    QString m_section;
+    QList<Row> m_rows;
     mutable std::map<ShortcutOwner, std::unique_ptr<ShortcutRecorder>> m_recorders;
 };
 

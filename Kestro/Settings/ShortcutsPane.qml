@@ -21,25 +21,26 @@ Pane {
         }
     }
 
-    Section {
-        title: "Surface"
-        footer: "Click a shortcut and press the keys. Delete takes it away, Escape leaves it as it is."
+    Repeater {
+        model: pane.settings.shortcuts
 
-        Repeater {
-            model: pane.settings.surfaceShortcuts
-            delegate: Row { }
-        }
-    }
-    Section {
-        title: "Layout"
-        visible: items.count > 0
-        footer: "These open the item, wherever you are."
+        Section {
+            id: section
 
-        Repeater {
-            id: items
+            required property var modelData
+            readonly property bool ofLayout: modelData.title === "Layout"
 
-            model: pane.settings.itemShortcuts
-            delegate: Row { }
+            title: modelData.title
+            visible: rows.count > 0
+            footer: ofLayout ? "These open the item, wherever you are."
+                             : "Click a shortcut and press the keys. Delete takes it away, Escape leaves it as it is."
+
+            Repeater {
+                id: rows
+
+                model: section.modelData.list
+                delegate: Row { }
+            }
         }
     }
 }

@@ -1,6 +1,5 @@
 #include "Kestro/Shortcuts/ShortcutRecorder.h"
 
-#include "Kestro/Platform/Platform.h"
 #include "Kestro/Platform/SessionEvents.h"
 #include "Kestro/Shortcuts/HotKeyCenter.h"
 
@@ -16,14 +15,14 @@ constexpr quint16 deleteKey = 51, forwardDeleteKey = 117, escapeKey = 53;
 
 } // namespace
 
-ShortcutRecorder::ShortcutRecorder(HotKeyCenter& center, const Platform& platform, Combo combo, Set set)
+ShortcutRecorder::ShortcutRecorder(
+    HotKeyCenter& center, KeyboardGrabs& keyboard, MainLoop& loop, const SessionEvents& session, Combo combo, Set set)
     : m_center(center)
-    , m_keyboard(platform.keyboard)
-    , m_loop(platform.loop)
+    , m_keyboard(keyboard)
+    , m_loop(loop)
     , m_combo(combo)
     , m_set(std::move(set))
 {
-    const SessionEvents& session = platform.session;
     for (const auto signal : { &SessionEvents::didLock, &SessionEvents::willSleep, &SessionEvents::screensDidSleep,
              &SessionEvents::willEnd })
         connect(&session, signal, this, &ShortcutRecorder::stop);

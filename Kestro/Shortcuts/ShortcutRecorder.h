@@ -12,7 +12,7 @@
 namespace kestro {
 
 class HotKeyCenter;
-struct Platform;
+class SessionEvents;
 
 /// The control for one shortcut: it shows the combination, and records a new one by holding the keyboard. Main thread.
 ///
@@ -30,8 +30,9 @@ public:
     /// Stores a combination, or none; the message where it cannot be.
     using Set = std::function<std::optional<QString>(const Combo&)>;
 
-    /// `platform`'s ports and `center` outlive it.
-    ShortcutRecorder(HotKeyCenter& center, const Platform& platform, Combo combo, Set set);
+    /// The ports and `center` outlive it. The lock and the sleep of the session end a recording.
+    ShortcutRecorder(HotKeyCenter& center, KeyboardGrabs& keyboard, MainLoop& loop, const SessionEvents& session,
+        Combo combo, Set set);
     ~ShortcutRecorder() override;
 
     QString label() const;

@@ -3,13 +3,14 @@
 #include "Kestro/Application/AppModel.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace kestro {
 
 bool DockItemsModel::Row::looksLike(const Row& other) const
 {
-    return item == other.item && name == other.name && badge == other.badge && badgeText == other.badgeText
-        && share == other.share && picture.cacheKey() == other.picture.cacheKey();
+    return item == other.item && name == other.name && look == other.look
+        && picture.cacheKey() == other.picture.cacheKey();
 }
 
 DockItemsModel::DockItemsModel(AppModel& model)
@@ -17,16 +18,14 @@ DockItemsModel::DockItemsModel(AppModel& model)
 {
 }
 
-DockItemsModel::Row DockItemsModel::rowOf(const LaunchItem& item, bool live) const
+DockItemsModel::Row DockItemsModel::rowOf(const LaunchItem& item) const
 {
-    Row row{ item, m_model.launcher().displayName(item), {}, {}, m_model.launcher().icon(item), -1, {} };
-    if (item.widget() == WidgetKind::ai) {
-        if (const auto state = m_model.agentBadge()) {
-            row.badge = stateName(*state);
-            row.badgeText = stateWord(*state);
-        }
-        if (live)
-            row.share = m_model.limitsTileShare().value_or(-1);
+    Row row{ item, m_model.launcher().displayName(item), m_model.launcher().icon(item), {}, {} };
+    if (const Widget* widget = m_model.items().find(item.widget()))
+        row.look = widget->tile();
+    if (!m_live) {
+        row.look.share = -1;
+        row.look.figure.clear();
     }
     return row;
 }
@@ -34,28 +33,41 @@ DockItemsModel::Row DockItemsModel::rowOf(const LaunchItem& item, bool live) con
 void DockItemsModel::show(const SidebarFrame& frame, const SidebarPrefs& prefs)
 {
     const QList<LaunchItem>& items = frame.arrangement.items;
-    QList<Row> rows;
-    rows.reserve(items.size());
-    for (qsizetype i = 0; i < items.size(); ++i) {
-        rows.append(rowOf(items[i], prefs.liveTiles));
-        rows.last().frame = frame.collapsed ? QRectF() : frame.iconRect(i, prefs.edge);
-    }
-
-    const auto id = [](const Row& row) { return row.item.id; };
-    if (!std::ranges::equal(rows, m_rows, {}, id, id)) {
+    const auto frameOf = [&](qsizetype i) { return frame.collapsed ? QRectF() : frame.iconRect(i, prefs.edge); };
+    const auto itemOf = [](const Row& row) { return row.item; };
+    const bool sameIds =
+        std::ranges::equal(items, m_rows, {}, &LaunchItem::id, [](const Row& row) { return row.item.id; });
+    const bool sameItems = sameIds && std::ranges::equal(items, m_rows, {}, {}, itemOf);
+    const bool sameLive = std::exchange(m_live, prefs.liveTiles) == prefs.liveTiles;
+    if (!sameIds) {
         beginResetModel();
-        m_rows = std::move(rows);
+        m_rows.clear();
+        for (qsizetype i = 0; i < items.size(); ++i) {
+            m_rows.append(rowOf(items[i]));
+            m_rows.last().frame = frameOf(i);
+        }
         endResetModel();
         return;
     }
-    for (qsizetype i = 0; i < rows.size(); ++i) {
-        const bool moved = rows[i].frame != m_rows[i].frame;
-        const bool same = rows[i].looksLike(m_rows[i]);
-        m_rows[i] = std::move(rows[i]);
+    for (qsizetype i = 0; i < items.size(); ++i) {
+        m_rows[i].item = items[i];
+        const QRectF place = frameOf(i);
+        if (std::exchange(m_rows[i].frame, place) != place)
+            Q_EMIT dataChanged(index(int(i)), index(int(i)), { Frame });
+    }
+    if (!sameItems || !sameLive)
+        refresh();
+}
+
+void DockItemsModel::refresh()
+{
+    for (qsizetype i = 0; i < m_rows.size(); ++i) {
+        Row now = rowOf(m_rows[i].item);
+        now.frame = m_rows[i].frame;
+        const bool same = now.looksLike(m_rows[i]);
+        m_rows[i] = std::move(now);
         if (!same)
             Q_EMIT dataChanged(index(int(i)), index(int(i)));
-        else if (moved)
-            Q_EMIT dataChanged(index(int(i)), index(int(i)), { Frame });
     }
 }
 
@@ -77,11 +89,11 @@ QVariant DockItemsModel::data(const QModelIndex& index, int role) const
     case Picture:
         return row.picture;
     case Share:
-        return row.share;
+        return row.look.share;
     case Badge:
-        return row.badge;
+        return row.look.badge;
     case BadgeText:
-        return row.badgeText;
+        return row.look.badgeText;
     case IsDivider:
         return row.item.isDivider();
     case Frame:

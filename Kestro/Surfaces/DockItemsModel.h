@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Kestro/Surfaces/SidebarFrame.h"
+#include "Kestro/Widgets/Widget.h"
 
 #include <QAbstractListModel>
 #include <QImage>
@@ -19,8 +20,10 @@ public:
 
     explicit DockItemsModel(AppModel& model);
 
-    /// Draws `frame`'s items.
+    /// Draws `frame`'s items. Looks are asked for only where items are others than before.
     void show(const SidebarFrame& frame, const SidebarPrefs& prefs);
+    /// Asks anew how the items look, where they stand.
+    void refresh();
     const LaunchItem& item(int row) const { return m_rows[row].item; }
 
     int rowCount(const QModelIndex& parent = {}) const override;
@@ -30,17 +33,18 @@ public:
 private:
     struct Row {
         LaunchItem item;
-        QString name, badge, badgeText;
+        QString name;
         QImage picture;
-        double share; ///< what a live tile's ring shows; below 0 there is none
+        WidgetTile look;
         QRectF frame;
 
         bool looksLike(const Row& other) const;
     };
-    Row rowOf(const LaunchItem& item, bool live) const;
+    Row rowOf(const LaunchItem& item) const;
 
     AppModel& m_model;
     QList<Row> m_rows;
+    bool m_live = false; ///< whether tiles show figures of their widgets
 };
 
 } // namespace kestro

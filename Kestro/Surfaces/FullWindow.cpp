@@ -88,7 +88,7 @@ bool FullWindow::command(const QKeyEvent& event)
         close();
         break;
     case WindowCommand::openSettings:
-        m_model.openSettings();
+        m_model.host().openSettings();
         break;
     case WindowCommand::quit:
         QCoreApplication::quit();

@@ -2,7 +2,7 @@
 
 #include "Kestro/Platform/MainLoop.h"
 #include "Kestro/Platform/Platform.h"
-#include "Kestro/Preferences/Preference.h"
+#include "Kestro/Widgets/Widget.h"
 
 #include <QQuickWindow>
 #include <functional>
@@ -10,14 +10,6 @@
 namespace kestro {
 
 class AppModel;
-
-/// How large a window opens, in points, where writing has its usual size.
-struct WindowSize {
-    QSize first;
-    QSize smallest;
-    const Preference<std::optional<int>>* width = nullptr; ///< under which it is remembered, if it is
-    const Preference<std::optional<int>>* height = nullptr;
-};
 
 /// An ordinary window of the program, with a title bar and the keyboard. It lives while it is open: who makes it is
 /// told when it closes. What it shows is up to the one that derives from it. Main thread.

@@ -28,9 +28,9 @@ QList<MenuEntry> itemMenuEntries(AppModel& model, const LaunchItem& item, bool v
         entries << MenuEntry{ QStringLiteral("Open"), true, [&launcher, item] { launcher.open(item); } } << MenuEntry{};
     if (!item.isDivider()) {
         entries << MenuEntry{ QStringLiteral("Assign Shortcut…"), true, [&model, id] {
-                                 model.setSettingsPane(SettingsPane::layout);
+                                 model.setSettingsPane(QStringLiteral("layout"));
                                  model.setSettingsTarget(id);
-                                 model.openSettings();
+                                 model.host().openSettings();
                              } };
     }
     entries
@@ -41,7 +41,7 @@ QList<MenuEntry> itemMenuEntries(AppModel& model, const LaunchItem& item, bool v
         << MenuEntry{}
         << MenuEntry{ item.widget() ? QStringLiteral("Remove (turns %1 off)").arg(item.name())
                                     : QStringLiteral("Remove"),
-               true, [&model, item] { model.removeItem(item); } };
+               true, [&model, item] { model.items().removeItem(item); } };
     return entries;
 }
 

@@ -7,12 +7,7 @@ namespace kestro {
 
 NotchPanelController::NotchPanelController(AppModel& model)
 {
-    const auto sleeping = [&model](bool asleep) {
-        return [&model, asleep] {
-            model.setDisplaysAsleep(asleep);
-            model.syncStats();
-        };
-    };
+    const auto sleeping = [&model](bool asleep) { return [&model, asleep] { model.setDisplaysAsleep(asleep); }; };
     const SessionEvents* session = &model.platform().session;
     connect(session, &SessionEvents::screensDidSleep, this, sleeping(true));
     connect(session, &SessionEvents::screensDidWake, this, sleeping(false));

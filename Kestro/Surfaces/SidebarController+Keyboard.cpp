@@ -120,7 +120,7 @@ void SidebarController::run(WindowCommand command)
         break;
     case WindowCommand::openSettings:
         closeCard();
-        m_model.openSettings();
+        m_model.host().openSettings();
         break;
     case WindowCommand::quit:
         QCoreApplication::quit();

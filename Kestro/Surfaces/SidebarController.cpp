@@ -49,6 +49,7 @@ SidebarController::SidebarController(AppModel& model, QQmlEngine& engine)
         layoutSoon(); // the card grows with the desktop's writing
     });
     connect(&m_model, &AppModel::changed, this, &SidebarController::layoutSoon);
+    connect(&m_model, &AppModel::tilesChanged, m_state.items(), &DockItemsModel::refresh);
     connect(&m_model, &AppModel::widgetSelected, this, [this] {
         if (!m_active)
             return;
@@ -70,7 +71,6 @@ void SidebarController::setActive(bool active)
     m_watch.reset();
     m_lastPoint.reset();
     m_model.setDockVisible(false);
-    m_model.syncStats();
     m_toolTip.hide();
     releaseKeyboard();
     m_card.orderOut();
@@ -101,11 +101,10 @@ void SidebarController::layout()
     if (!m_active || !on)
         return;
     const QList<LaunchItem> items = m_model.visibleItems();
-    m_state.setFrame(placeDock(
-        items, m_model.dockSizes(items), m_state.prefs(), on->visibleFrame, { m_pointer, m_pillOpen, m_pillCenter }));
+    m_state.setFrame(
+        placeDock(items, dockSizes(items), m_state.prefs(), on->visibleFrame, { m_pointer, m_pillOpen, m_pillCenter }));
     placeStrip();
     m_model.setDockVisible(m_state.revealed() && !m_state.collapsed());
-    m_model.syncStats();
     placeCard(on->visibleFrame);
     watchPointer();
 }
@@ -352,7 +351,7 @@ void SidebarController::leaveItem(int row)
 void SidebarController::clickItem(int row)
 {
     m_toolTip.hide();
-    m_model.click(m_state.items()->item(row));
+    m_model.items().click(m_state.items()->item(row));
 }
 
 void SidebarController::openMenu(int row) { openMenuAt(row, m_platform.pointer.location()); }

@@ -1,20 +1,27 @@
 import QtQuick
 import Kestro.Style
-import Kestro.Agents
-import Kestro.Statistics
 
-// One widget's card: a header with its symbol and title above its body.
+// The card of the shown widget: a header with its symbol and title, above the view that its feature gives.
 Item {
     id: root
 
     required property var model
     required property var toolTips
-    property string kind: model.shownWidget
-    readonly property var titles: ({ "stats": "Stats", "ai": "AI" })
-    readonly property var symbols: ({ "stats": Symbols.gaugeMedium, "ai": Symbols.sparkle })
+    readonly property var widget: model.card
+    readonly property string title: widget ? widget.title : ""
+
+    function load() {
+        if (widget)
+            body.setSource("qrc:/qt-project.org/imports/Kestro/" + widget.cardView + ".qml",
+                           { widget: widget, toolTips: toolTips });
+        else
+            body.source = "";
+    }
 
     Accessible.role: Accessible.Pane
-    Accessible.name: titles[kind] ?? ""
+    Accessible.name: title
+    onWidgetChanged: load()
+    Component.onCompleted: load()
 
     Row {
         x: Theme.horizontalPadding
@@ -24,13 +31,13 @@ Item {
 
         Symbol {
             anchors.verticalCenter: parent.verticalCenter
-            name: root.symbols[root.kind] ?? Symbols.app
+            name: root.widget ? root.widget.symbol : Symbols.app
             color: Theme.ink
             size: 16 * Theme.growth
         }
         Text {
             anchors.verticalCenter: parent.verticalCenter
-            text: root.titles[root.kind] ?? ""
+            text: root.title
             font: Theme.titleFont
             color: Theme.ink
             Accessible.role: Accessible.Heading
@@ -41,73 +48,21 @@ Item {
     HoverButton {
         anchors { right: parent.right; rightMargin: Theme.horizontalPadding - 5 }
         y: Theme.verticalPadding + (Theme.headerHeight - height) / 2
-        visible: root.model.shownWidgetHasWindow
+        visible: root.widget !== null && root.widget.hasWindow
         symbol: Symbols.arrowsApart
         symbolSize: 13
-        label: "Open " + (root.titles[root.kind] ?? "") + " window"
+        label: "Open " + root.title + " window"
         onPressed: root.model.openShownWindow()
 
         Accessible.ignored: !visible
     }
 
     Loader {
+        id: body
+
         anchors.fill: parent
         anchors.margins: Theme.horizontalPadding
         anchors.topMargin: Theme.verticalPadding + Theme.headerHeight
         anchors.bottomMargin: Theme.verticalPadding
-        sourceComponent: root.kind === "ai" ? agents : root.kind === "stats" ? statistics : null
-    }
-
-    Component {
-        id: agents
-
-        Item {
-            // The highlight of a row has room on either side.
-            Column {
-                x: -8
-                width: parent.width + 16
-
-                AgentList {
-                    visible: root.model.agentsEnabled
-                    width: parent.width
-                    height: implicitHeight
-                    rows: root.model.sessionRows
-                    errorLines: root.model.agentErrorLines
-                    limit: 4
-                    onRaise: id => root.model.raiseSession(id)
-                }
-                MenuDivider {
-                    visible: root.model.agentsEnabled && root.model.limitsEnabled
-                    width: parent.width
-                    inset: 8
-                }
-                LimitsList {
-                    visible: root.model.limitsEnabled
-                    width: parent.width
-                    rows: root.model.limitRows
-                    errorLines: root.model.limitErrorLines
-                    barStyle: root.model.statsCard.barStyle
-                    toolTips: root.toolTips
-                }
-            }
-        }
-    }
-    Component {
-        id: statistics
-
-        Item {
-            StatsRow {
-                readonly property var card: root.model.statsCard
-
-                anchors { left: parent.left; right: parent.right; verticalCenter: parent.verticalCenter }
-                cpuText: card.cpuText
-                cpuLevel: card.cpuLevel
-                memoryText: card.memoryText
-                memoryLevel: card.memoryLevel
-                showCPU: card.showCPU
-                showRAM: card.showRAM
-                barStyle: card.barStyle
-            }
-        }
     }
 }

@@ -2,23 +2,11 @@
 
 namespace kestro {
 
-std::strong_ordering ShortcutOwner::LaunchItem::operator<=>(const LaunchItem& other) const
+std::strong_ordering ShortcutOwner::operator<=>(const ShortcutOwner& other) const
 {
-    if (id == other.id)
-        return std::strong_ordering::equal;
-    return id < other.id ? std::strong_ordering::less : std::strong_ordering::greater;
-}
-
-std::optional<QUuid> ShortcutOwner::launchItemId() const
-{
-    const auto* item = std::get_if<LaunchItem>(&m_value);
-    return item ? std::optional(item->id) : std::nullopt;
-}
-
-std::optional<CaptureMode> ShortcutOwner::captureMode() const
-{
-    const auto* capture = std::get_if<Capture>(&m_value);
-    return capture ? std::optional(capture->mode) : std::nullopt;
+    if (const int families = m_family.compare(other.m_family))
+        return families <=> 0;
+    return m_member.compare(other.m_member) <=> 0;
 }
 
 std::optional<ShortcutOwner> conflict(const KeyCombo& combo, const ShortcutOwner& owner, const ShortcutTable& table)

@@ -5,51 +5,42 @@
 
 #include <QUuid>
 #include <map>
-#include <variant>
 
 namespace kestro {
 
-/// Who a global shortcut belongs to: the key of the table of shortcuts.
+/// The key of the table of shortcuts: a family of things that can have one, and which of them, by its UUID or its raw
+/// string. A family of one has no members to tell apart. Features add families of their own.
 class ShortcutOwner {
 public:
-    static ShortcutOwner launchItem(const QUuid& id) { return ShortcutOwner(LaunchItem{ id }); }
-    static ShortcutOwner capture(CaptureMode mode) { return ShortcutOwner(Capture{ mode }); }
-    static ShortcutOwner openNotch() { return ShortcutOwner(OpenNotch{}); }
-    /// To the agent's session that has waited for the user longest.
-    static ShortcutOwner waitingAgent() { return ShortcutOwner(WaitingAgent{}); }
-
-    std::optional<QUuid> launchItemId() const;
-    std::optional<CaptureMode> captureMode() const;
-    bool isOpenNotch() const { return std::holds_alternative<OpenNotch>(m_value); }
-    bool isWaitingAgent() const { return std::holds_alternative<WaitingAgent>(m_value); }
-
-    auto operator<=>(const ShortcutOwner&) const = default;
-    bool operator==(const ShortcutOwner&) const = default;
-
-private:
-    struct LaunchItem {
-        QUuid id;
-        bool operator==(const LaunchItem&) const = default;
-        std::strong_ordering operator<=>(const LaunchItem& other) const;
-    };
-    struct Capture {
-        CaptureMode mode;
-        auto operator<=>(const Capture&) const = default;
-    };
-    struct OpenNotch {
-        auto operator<=>(const OpenNotch&) const = default;
-    };
-    struct WaitingAgent {
-        auto operator<=>(const WaitingAgent&) const = default;
-    };
-    using Value = std::variant<LaunchItem, Capture, OpenNotch, WaitingAgent>;
-
-    explicit ShortcutOwner(Value value)
-        : m_value(value)
+    explicit ShortcutOwner(const QString& family, const QString& member = {})
+        : m_family(family)
+        , m_member(member)
+    {
+    }
+    ShortcutOwner(const QString& family, const QUuid& member)
+        : ShortcutOwner(family, member.toString(QUuid::WithoutBraces))
     {
     }
 
-    Value m_value;
+    static ShortcutOwner launchItem(const QUuid& id) { return { QStringLiteral("launchItem"), id }; }
+    static ShortcutOwner capture(CaptureMode mode)
+    {
+        return ShortcutOwner(QStringLiteral("capture"), rawValue(mode));
+    }
+    static ShortcutOwner openNotch() { return ShortcutOwner(QStringLiteral("openNotch")); }
+    static ShortcutOwner clipboard() { return ShortcutOwner(QStringLiteral("clipboard")); }
+
+    const QString& family() const { return m_family; }
+    const QString& member() const { return m_member; }
+    /// The member as a UUID; null where it is none.
+    QUuid id() const { return QUuid::fromString(m_member); }
+
+    bool operator==(const ShortcutOwner&) const = default;
+    std::strong_ordering operator<=>(const ShortcutOwner& other) const;
+
+private:
+    QString m_family;
+    QString m_member;
 };
 
 using ShortcutTable = std::map<ShortcutOwner, KeyCombo>;

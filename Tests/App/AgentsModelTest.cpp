@@ -32,8 +32,8 @@ protected:
     }
     std::optional<double> codexPercent() const
     {
-        const auto& limits = model->codexLimits();
-        return limits && limits->fiveHour ? std::optional(limits->fiveHour->usedPercent) : std::nullopt;
+        const auto& codex = limits().codexLimits();
+        return codex && codex->fiveHour ? std::optional(codex->fiveHour->usedPercent) : std::nullopt;
     }
     /// Waits for the logs to have been read.
     bool codexComesTo(double percent)
@@ -50,21 +50,22 @@ TEST_F(AgentsModelTest, limitsGoInAndOutWithTheirSwitch)
 {
     write(".claude/settings.json", R"({"statusLine":{"type":"command","command":"mine"}})");
     writeLog(12);
-    start().setLimitsEnabled(true);
+    start();
+    turn("limitsEnabled", true);
     EXPECT_TRUE(wrapped());
     EXPECT_TRUE(codexComesTo(12));
     sendLimits(R"("five_hour":{"used_percentage":28.000000000000004,"resets_at":4102444800})");
     sendLimits(R"("five_hour":{"used_percentage":30})"); // tells nothing: the earlier figures stand
-    ASSERT_TRUE(model->claudeLimits());
-    EXPECT_EQ(model->claudeLimits()->toldAt, platform.loop.now());
-    EXPECT_DOUBLE_EQ(model->limitsTileShare().value_or(-1), 0.28000000000000004);
+    ASSERT_TRUE(limits().claudeLimits());
+    EXPECT_EQ(limits().claudeLimits()->toldAt, platform.loop.now());
+    EXPECT_DOUBLE_EQ(limits().tileShare().value_or(-1), 0.28000000000000004);
     sendLimits(R"("seven_day":{"used_percentage":1,"resets_at":4102444800})");
-    EXPECT_FALSE(model->claudeLimits()->fiveHour) << "each message replaces the whole";
-    EXPECT_EQ(model->limitsTileShare(), 0.12) << "and the tile shows who has a window of five hours";
+    EXPECT_FALSE(limits().claudeLimits()->fiveHour) << "each message replaces the whole";
+    EXPECT_EQ(limits().tileShare(), 0.12) << "and the tile shows who has a window of five hours";
 
-    model->setLimitsEnabled(false);
+    turn("limitsEnabled", false);
     EXPECT_FALSE(wrapped());
-    EXPECT_FALSE(model->claudeLimits() || model->codexLimits());
+    EXPECT_FALSE(limits().claudeLimits() || limits().codexLimits());
     EXPECT_FALSE(QFile::exists(socketPath()));
 }
 
@@ -94,7 +95,7 @@ TEST_F(AgentsModelTest, codexLogsAreReadAtTheirMomentsAndNoOthers)
     send("Stop", "s", "/", "codex");
     EXPECT_TRUE(codexComesTo(4));
     QFile::remove(home.filePath(QStringLiteral(".codex/sessions/2026/rollout.jsonl")));
-    model->refreshCodexLimits();
+    limits().refreshCodexLimits();
     ASSERT_TRUE(platform.loop.turnWhenPosted());
     EXPECT_EQ(codexPercent(), 4) << "what was found stands until something newer is";
 }
@@ -103,14 +104,15 @@ TEST_F(AgentsModelTest, failuresOfLimitsAreToldInTheirOwnWords)
 {
     write(".claude/settings.json", R"({"statusLine":"a text"})");
     write("Library/Application Support/Kestro", "in the way of the socket's folder");
-    start().setLimitsEnabled(true);
-    EXPECT_THAT(model->limitErrorLines(),
+    start();
+    turn("limitsEnabled", true);
+    EXPECT_THAT(limits().errorLines(),
         ElementsAre(
             testing::ResultOf([](const QString& line) { return line.toStdString(); }, StartsWith("Couldn't update ")),
             QStringLiteral("Live data unavailable")));
-    EXPECT_THAT(model->agentErrorLines(), IsEmpty());
-    model->setLimitsEnabled(false);
-    EXPECT_THAT(model->limitErrorLines(), IsEmpty()) << "nothing of ours is in the file, and nobody waits for data";
+    EXPECT_THAT(agents().errorLines(), IsEmpty());
+    turn("limitsEnabled", false);
+    EXPECT_THAT(limits().errorLines(), IsEmpty()) << "nothing of ours is in the file, and nobody waits for data";
 }
 
 TEST_F(AgentsModelTest, aWindowThatPassesEmptiesTheTile)
@@ -120,27 +122,28 @@ TEST_F(AgentsModelTest, aWindowThatPassesEmptiesTheTile)
     const double soon = platform.loop.now().seconds + Date::unixEpochOffset + 90;
     sendLimits(
         ("\"five_hour\":{\"used_percentage\":50,\"resets_at\":" + QByteArray::number(soon, 'f', 0) + '}').constData());
-    EXPECT_EQ(model->limitsTileShare(), 0.5);
+    EXPECT_EQ(limits().tileShare(), 0.5);
     int changes = 0;
-    QObject::connect(model.get(), &AppModel::changed, model.get(), [&] { ++changes; });
+    QObject::connect(model.get(), &AppModel::tilesChanged, model.get(), [&] { ++changes; });
     platform.loop.advance(89);
     EXPECT_EQ(changes, 0);
     platform.loop.advance(1);
     EXPECT_EQ(changes, 1) << "once, at that moment";
-    EXPECT_EQ(model->limitsTileShare(), 0);
+    EXPECT_EQ(limits().tileShare(), 0);
     EXPECT_EQ(platform.loop.waiting(), 0);
 }
 
 TEST_F(AgentsModelTest, aConversationOfCursorIsNotHeardTwice)
 {
     QDir(home.path()).mkdir(QStringLiteral(".cursor"));
-    start().setAgentsEnabled(true);
+    start();
+    turn("agentsEnabled", true);
     constexpr char version[] = R"(,"cursor_version":"1.7.2")";
     send("UserPromptSubmit", "c", "/p", "claude", version);
     EXPECT_EQ(stateOf("c"), std::nullopt);
     send("UserPromptSubmit", "c", "/p", "codex", version);
     EXPECT_EQ(stateOf("c"), AgentState::working) << "only Claude's hooks are run by Cursor";
-    model->setCursorEnabled(false);
+    turn("cursorEnabled", false);
     send("UserPromptSubmit", "d", "/p", "claude", version);
     EXPECT_EQ(stateOf("d"), AgentState::working) << "without Cursor's own hook this is the only word of it";
 }
@@ -163,7 +166,7 @@ TEST_F(AgentsModelTest, aSessionGoesWithItsAgent)
 
     platform.peers.origin.ancestors[1].id = { 12, 120 };
     send("UserPromptSubmit");
-    model->setAgentsEnabled(false);
+    turn("agentsEnabled", false);
     EXPECT_EQ(platform.peers.watches(), 0);
 }
 
@@ -172,7 +175,7 @@ TEST_F(AgentsModelTest, onlyWhatIsDrawnAsksForALayout)
     set("agentsEnabled", true);
     start();
     int changes = 0;
-    QObject::connect(model.get(), &AppModel::changed, model.get(), [&] { ++changes; });
+    QObject::connect(model.get(), &AppModel::tilesChanged, model.get(), [&] { ++changes; });
     struct Step {
         const char *event, *id;
         int changes;
@@ -191,7 +194,7 @@ TEST_F(AgentsModelTest, onlyWhatIsDrawnAsksForALayout)
         changes = 0;
         send(step.event, step.id);
         EXPECT_EQ(changes, step.changes) << step.event << ' ' << step.id;
-        EXPECT_EQ(model->agentBadge(), step.badge) << step.event << ' ' << step.id;
+        EXPECT_EQ(agents().badge(), step.badge) << step.event << ' ' << step.id;
     }
     changes = 0;
     platform.loop.advance(3);
@@ -200,7 +203,7 @@ TEST_F(AgentsModelTest, onlyWhatIsDrawnAsksForALayout)
     EXPECT_EQ(changes, 0);
     platform.loop.advance(1);
     EXPECT_EQ(changes, 1);
-    EXPECT_EQ(model->agentBadge(), std::nullopt);
+    EXPECT_EQ(agents().badge(), std::nullopt);
 }
 
 TEST_F(AgentsModelTest, theShortcutGoesToWhoHasWaitedLongest)
@@ -208,8 +211,8 @@ TEST_F(AgentsModelTest, theShortcutGoesToWhoHasWaitedLongest)
     set("agentsEnabled", true);
     start();
     const KeyCombo combo{ 0, KeyCombo::control | KeyCombo::option };
-    EXPECT_EQ(model->shortcut(ShortcutOwner::waitingAgent()), std::nullopt) << "none unless it is given one";
-    EXPECT_EQ(model->setShortcut(combo, ShortcutOwner::waitingAgent()), std::nullopt);
+    EXPECT_EQ(model->shortcuts().combo(AgentsFeature::waitingAgent()), std::nullopt) << "none unless it is given one";
+    EXPECT_EQ(model->shortcuts().set(combo, AgentsFeature::waitingAgent()), std::nullopt);
     EXPECT_EQ(stored("waitingAgentShortcut"), KeyCombo::encodeStored(combo));
 
     platform.windows.windows = { { 1, 10, {} }, { 2, 20, {} } };
@@ -226,11 +229,11 @@ TEST_F(AgentsModelTest, theShortcutGoesToWhoHasWaitedLongest)
     EXPECT_TRUE(platform.hotKeys.press(combo));
     EXPECT_THAT(platform.windows.raised, ElementsAre(1, 2));
     std::optional<WidgetKind> shown;
-    model->showCard = [&](WidgetKind kind) { shown = kind; };
+    model->host().showCard = [&](WidgetKind kind) { shown = kind; };
     platform.windows.windows.clear();
     EXPECT_TRUE(platform.hotKeys.press(combo));
     EXPECT_EQ(shown, WidgetKind::ai) << "where the row says that there is no way";
-    model->setAgentsEnabled(false);
+    turn("agentsEnabled", false);
     EXPECT_FALSE(platform.hotKeys.press(combo)) << "not offered for what is off";
 }
 

@@ -58,7 +58,7 @@ TEST_F(AppModelTest, aSwitchTurnedInTheFileActsAsOneTurnedHere)
     start();
     set("agentsEnabled", true);
     platform.loop.turn();
-    EXPECT_TRUE(model->agentsEnabled());
+    EXPECT_TRUE(agents().isOn());
     EXPECT_TRUE(hooked(Agent::claude));
     EXPECT_TRUE(hooked(Agent::codex));
     EXPECT_FALSE(hooked(Agent::cursor));
@@ -76,26 +76,27 @@ TEST_F(AppModelTest, aSwitchTurnedInTheFileActsAsOneTurnedHere)
     platform.loop.turn();
     EXPECT_FALSE(hooked(Agent::claude));
     EXPECT_FALSE(QFile::exists(socketPath()));
-    EXPECT_THAT(model->store().sessions, IsEmpty());
+    EXPECT_THAT(agents().store().sessions, IsEmpty());
     EXPECT_THAT(layout(), ElementsAre(QStringLiteral("Stats")));
 }
 
 TEST_F(AppModelTest, cursorIsAdoptedOnceAndOnlyWhereItLives)
 {
-    start().turn(FeatureSwitch::agents, true);
+    start();
+    turn("agentsEnabled", true);
     EXPECT_FALSE(stored("cursorEnabled").isValid()) << "without its folder nothing is decided";
-    model->turn(FeatureSwitch::cursor, true);
+    turn("cursorEnabled", true);
     EXPECT_FALSE(hooked(Agent::cursor)) << "on, yet there is no folder to hook in";
-    EXPECT_THAT(model->agentErrorLines(), IsEmpty());
+    EXPECT_THAT(agents().errorLines(), IsEmpty());
 
     platform.preferences.values.remove(QStringLiteral("cursorEnabled"));
     QDir(home.path()).mkdir(QStringLiteral(".cursor"));
-    model->turn(FeatureSwitch::agents, true);
+    turn("agentsEnabled", true);
     EXPECT_EQ(QVariant(true), stored("cursorEnabled"));
     EXPECT_TRUE(hooked(Agent::cursor));
 
-    model->turn(FeatureSwitch::cursor, false);
-    model->turn(FeatureSwitch::agents, true);
+    turn("cursorEnabled", false);
+    turn("agentsEnabled", true);
     EXPECT_FALSE(hooked(Agent::cursor)) << "switched off by hand, it stays off";
 }
 
@@ -106,10 +107,11 @@ TEST_F(AppModelTest, oneBrokenFileDoesNotStopTheOtherAgents)
     ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
     broken.write("{ not json");
     broken.close();
-    start().turn(FeatureSwitch::agents, true);
-    ASSERT_EQ(1, model->agentErrorLines().size());
-    EXPECT_TRUE(model->agentErrorLines().first().startsWith(QStringLiteral("Couldn't update ")));
-    EXPECT_TRUE(model->agentErrorLines().first().endsWith(QStringLiteral("/.claude/settings.json — invalid JSON")));
+    start();
+    turn("agentsEnabled", true);
+    ASSERT_EQ(1, agents().errorLines().size());
+    EXPECT_TRUE(agents().errorLines().first().startsWith(QStringLiteral("Couldn't update ")));
+    EXPECT_TRUE(agents().errorLines().first().endsWith(QStringLiteral("/.claude/settings.json — invalid JSON")));
     EXPECT_TRUE(hooked(Agent::codex));
     EXPECT_EQ(48, model->cardBodyHeight(WidgetKind::ai)) << "one line for the error, one for the lack of sessions";
 }
@@ -120,12 +122,13 @@ TEST_F(AppModelTest, aSocketThatCannotStartIsToldAndTriedAgain)
     QDir(home.path()).mkpath(QStringLiteral("Library/Application Support"));
     QFile inTheWay(home.path() + QStringLiteral("/Library/Application Support/Kestro"));
     ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
-    start().turn(FeatureSwitch::agents, true);
-    EXPECT_THAT(model->agentErrorLines(), ElementsAre(QStringLiteral("Agent status unavailable")));
-    EXPECT_TRUE(model->agentsEnabled());
+    start();
+    turn("agentsEnabled", true);
+    EXPECT_THAT(agents().errorLines(), ElementsAre(QStringLiteral("Agent status unavailable")));
+    EXPECT_TRUE(agents().isOn());
     inTheWay.remove();
-    model->applyAgents();
-    EXPECT_THAT(model->agentErrorLines(), IsEmpty());
+    model->agents().applyAgents();
+    EXPECT_THAT(agents().errorLines(), IsEmpty());
     EXPECT_TRUE(QFile::exists(socketPath()));
 }
 
@@ -135,11 +138,11 @@ TEST_F(AppModelTest, sessionsAgeByTheTickerWhichSleepsWithoutThem)
     start();
     EXPECT_EQ(0, platform.loop.waiting());
     send("Stop");
-    EXPECT_EQ(AgentState::done, model->agentBadge());
+    EXPECT_EQ(AgentState::done, agents().badge());
     platform.loop.advance(3);
-    EXPECT_EQ(AgentState::done, model->agentBadge());
+    EXPECT_EQ(AgentState::done, agents().badge());
     platform.loop.advance(1);
-    EXPECT_EQ(std::nullopt, model->agentBadge()) << "fresh for four seconds";
+    EXPECT_EQ(std::nullopt, agents().badge()) << "fresh for four seconds";
     platform.loop.advance(595);
     EXPECT_EQ(AgentState::done, stateOf("s"));
     platform.loop.advance(1);
@@ -152,12 +155,12 @@ TEST_F(AppModelTest, limitsAloneKeepTheSocketAndHearNoEvents)
     set("limitsEnabled", true);
     set("agentsEnabled", true);
     start();
-    model->turn(FeatureSwitch::agents, false);
+    turn("agentsEnabled", false);
     ASSERT_TRUE(QFile::exists(socketPath()));
     EXPECT_THAT(layout(), ElementsAre(QStringLiteral("Stats"), QStringLiteral("AI")));
     send("UserPromptSubmit");
-    EXPECT_THAT(model->store().sessions, IsEmpty());
-    model->turn(FeatureSwitch::limits, false);
+    EXPECT_THAT(agents().store().sessions, IsEmpty());
+    turn("limitsEnabled", false);
     EXPECT_FALSE(QFile::exists(socketPath()));
 }
 
@@ -166,15 +169,15 @@ TEST_F(AppModelTest, removingAWidgetTurnsItsFeatureOffAndItStaysAway)
     set("agentsEnabled", true);
     set("limitsEnabled", true);
     start();
-    model->removeItem(item(WidgetKind::ai));
+    model->items().removeItem(item(WidgetKind::ai));
     platform.loop.turn();
-    EXPECT_FALSE(model->agentsEnabled());
-    EXPECT_FALSE(model->isOn(FeatureSwitch::limits));
+    EXPECT_FALSE(agents().isOn());
+    EXPECT_FALSE(limits().isOn());
     EXPECT_EQ(QVariant(false), stored("limitsEnabled"));
     EXPECT_THAT(layout(), ElementsAre(QStringLiteral("Stats")));
 
-    EXPECT_EQ(std::nullopt, model->addWidget(WidgetKind::ai));
-    EXPECT_TRUE(model->agentsEnabled());
+    EXPECT_EQ(std::nullopt, model->items().addWidget(WidgetKind::ai));
+    EXPECT_TRUE(agents().isOn());
     EXPECT_THAT(layout(), ElementsAre(QStringLiteral("Stats"), QStringLiteral("AI")));
 }
 
@@ -185,9 +188,9 @@ TEST_F(AppModelTest, aFullLayoutKeepsTheSwitchAndSaysSo)
         const QString path = QStringLiteral("/apps/%1.desktop").arg(i);
         ASSERT_EQ(std::nullopt, model->launcher().add({ QUuid::createUuid(), LaunchItem::App{ path }, {} }));
     }
-    EXPECT_EQ(QStringLiteral("The layout holds up to 16 items"), model->addWidget(WidgetKind::ai));
-    EXPECT_TRUE(model->agentsEnabled());
-    EXPECT_EQ(QStringLiteral("The layout holds up to 16 items"), model->addWidget(WidgetKind::shelf));
+    EXPECT_EQ(QStringLiteral("The layout holds up to 16 items"), model->items().addWidget(WidgetKind::ai));
+    EXPECT_TRUE(agents().isOn());
+    EXPECT_EQ(QStringLiteral("The layout holds up to 16 items"), model->items().addWidget(WidgetKind::shelf));
 }
 
 TEST_F(AppModelTest, theSelectionHoldsWhileOpenAndFallsBackToTheFirstWidget)
@@ -198,11 +201,11 @@ TEST_F(AppModelTest, theSelectionHoldsWhileOpenAndFallsBackToTheFirstWidget)
     model->setExpanded(true);
     model->setSelectedWidget(WidgetKind::ai);
     EXPECT_EQ(WidgetKind::ai, model->shownWidget());
-    model->removeItem(item(WidgetKind::ai));
+    model->items().removeItem(item(WidgetKind::ai));
     EXPECT_EQ(WidgetKind::stats, model->shownWidget());
     model->setExpanded(false);
     EXPECT_EQ(std::nullopt, model->selectedWidget());
-    model->removeItem(item(WidgetKind::stats));
+    model->items().removeItem(item(WidgetKind::stats));
     EXPECT_EQ(std::nullopt, model->shownWidget());
 }
 
@@ -236,16 +239,16 @@ TEST_F(AppModelTest, countersAreReadOnlyWhileTheSurfaceIsOpen)
 
     platform.counters.ticks = CPUTicks{ 25, 0, 175, 0 };
     model->setExpanded(true);
-    EXPECT_EQ(QStringLiteral("25%"), model->statsCard()->property("cpuText"));
-    EXPECT_EQ(QStringLiteral("4.0 / 16 GB"), model->statsCard()->property("memoryText"));
+    EXPECT_EQ(QStringLiteral("25%"), model->stats().card()->property("cpuText"));
+    EXPECT_EQ(QStringLiteral("4.0 / 16 GB"), model->stats().card()->property("memoryText"));
     platform.loop.advance(4);
     EXPECT_EQ(before + 3, platform.counters.readings) << "at once, then every two seconds";
 
     platform.counters.ticks.reset();
     platform.counters.used.reset();
     platform.loop.advance(2);
-    EXPECT_EQ(QStringLiteral("–"), model->statsCard()->property("cpuText"));
-    EXPECT_EQ(QStringLiteral("–"), model->statsCard()->property("memoryText"));
+    EXPECT_EQ(QStringLiteral("–"), model->stats().card()->property("cpuText"));
+    EXPECT_EQ(QStringLiteral("–"), model->stats().card()->property("memoryText"));
     model->setExpanded(false);
     EXPECT_EQ(0, platform.loop.waiting());
 }
@@ -258,7 +261,7 @@ TEST_F(AppModelTest, rowsTellOnlyWhatChanged)
     send("UserPromptSubmit", "a");
     platform.loop.advance(2);
     send("PermissionRequest", "b", "/");
-    SessionRows& rows = *model->sessionRows();
+    SessionRows& rows = *agents().rows();
     ASSERT_EQ(2, rows.rowCount());
     EXPECT_EQ(QStringLiteral("Needs input"), rows.data(rows.index(0), SessionRows::StateWord));
     EXPECT_EQ(QStringLiteral("kestro"), rows.data(rows.index(1), SessionRows::Project));

@@ -91,9 +91,9 @@ TEST(AppDelegateTest, movesTheOldFoldersBeforeAnythingReadsThemAndFlushesAtTheEn
     EXPECT_TRUE(QFileInfo::exists(data + QStringLiteral("Kestro/agents.sock")));
 
     Q_EMIT platform.session.screensDidSleep();
-    EXPECT_TRUE(delegate.model().displaysAsleep());
+    EXPECT_TRUE(delegate.model().surface().displaysAsleep());
     Q_EMIT platform.session.didWake();
-    EXPECT_FALSE(delegate.model().displaysAsleep());
+    EXPECT_FALSE(delegate.model().surface().displaysAsleep());
 
     // Either mode has a surface, and a change of it closes what is open.
     delegate.model().toggleNotch();
@@ -101,7 +101,7 @@ TEST(AppDelegateTest, movesTheOldFoldersBeforeAnythingReadsThemAndFlushesAtTheEn
     platform.preferences.setValue(QStringLiteral("displayMode"), QStringLiteral("sidebar"));
     platform.loop.turn();
     EXPECT_FALSE(delegate.model().expanded());
-    delegate.model().showCard(WidgetKind::stats);
+    delegate.model().host().showCard(WidgetKind::stats);
     EXPECT_TRUE(delegate.model().expanded());
     delegate.applicationWillTerminate();
     EXPECT_EQ(1, platform.preferences.flushes);

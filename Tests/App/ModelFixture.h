@@ -58,7 +58,10 @@ protected:
         sendMessage(QByteArray("agent=") + agent + "\n{\"session_id\":\"" + id + "\",\"hook_event_name\":\"" + event
             + "\",\"cwd\":\"" + cwd + "\"" + more + "}");
     }
-    std::optional<AgentState> stateOf(const char* id) const { return model->store().state(QString::fromLatin1(id)); }
+    void turn(const char* key, bool on) { model->host().switches.find(QString::fromLatin1(key))->turn(on); }
+    AgentsModel& agents() const { return *model->agents().agents(); }
+    LimitsModel& limits() const { return *model->agents().limits(); }
+    std::optional<AgentState> stateOf(const char* id) const { return agents().store().state(QString::fromLatin1(id)); }
 
     QTemporaryDir home;
     FakePlatform platform;

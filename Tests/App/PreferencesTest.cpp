@@ -1,3 +1,4 @@
+#include "Kestro/Agents/AgentsPreferences.h"
 #include "Kestro/Preferences/PreferenceKeys.h"
 #include "Kestro/Preferences/SidebarPrefs.h"
 #include "Tests/Support/Fakes.h"

@@ -48,7 +48,7 @@ TEST_F(SettingsListsTest, whatIsFullSaysSo)
     LayoutList list(*model);
     EXPECT_EQ(QStringLiteral("ai"), list.addableWidgets().value(0).toMap().value(QStringLiteral("value")));
     list.addWidget(QStringLiteral("ai"));
-    EXPECT_TRUE(model->agentsEnabled());
+    EXPECT_TRUE(model->agents().agents()->isOn());
     EXPECT_TRUE(list.addableWidgets().isEmpty());
     while (list.canAddDivider())
         list.addDivider();
@@ -84,7 +84,8 @@ TEST_F(SettingsListsTest, applicationsAreNarrowedAndChosenSeveralAtATime)
 
 TEST_F(SettingsListsTest, shortcutsFollowTheLayout)
 {
-    ShortcutList items(*model, ShortcutList::ofLayout(*model));
+    model->shortcuts().start();
+    ShortcutList items(*model, QStringLiteral("Layout"));
     const QAbstractItemModelTester tester(&items, QAbstractItemModelTester::FailureReportingMode::Fatal);
     model->launcher().addDivider({});
     model->launcher().add({ QUuid::createUuid(), LaunchItem::App{ QStringLiteral("/Editor.desktop") } });

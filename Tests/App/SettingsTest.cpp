@@ -58,7 +58,7 @@ protected:
     }
     QWindow& open()
     {
-        delegate->model().openSettings();
+        delegate->model().host().openSettings();
         EXPECT_TRUE(window());
         return *window();
     }
@@ -122,22 +122,22 @@ TEST_F(SettingsWindowTest, theWindowOfTheAgentsIsMadeWhenOpenedAndGoesWhenClosed
     const std::pair<Qt::Key, Qt::KeyboardModifiers> closers[] = { { Qt::Key_Escape, {} },
         { Qt::Key_W, Qt::ControlModifier } };
     for (const auto& [key, modifiers] : closers) {
-        model.showCard(WidgetKind::ai);
-        model.openWindow(WidgetKind::ai);
+        model.host().showCard(WidgetKind::ai);
+        model.host().openWindow(WidgetKind::ai);
         EXPECT_FALSE(model.expanded()) << "the card gives way";
         const QPointer<QWindow> opened = window("AI");
         ASSERT_TRUE(opened);
         EXPECT_TRUE(QRect(0, 0, 500, 400).contains(opened->geometry()));
-        model.openWindow(WidgetKind::ai);
+        model.host().openWindow(WidgetKind::ai);
         EXPECT_EQ(window("AI"), opened) << "one is enough";
         QTest::keyClick(opened, key, modifiers);
         platform.loop.turn();
         EXPECT_FALSE(opened);
     }
-    model.openWindow(WidgetKind::ai);
+    model.host().openWindow(WidgetKind::ai);
     QTest::keyClick(window("AI"), Qt::Key_Comma, Qt::ControlModifier);
     EXPECT_TRUE(window("Kestro Settings"));
-    model.openWindow(WidgetKind::stats);
+    model.host().openWindow(WidgetKind::stats);
     EXPECT_FALSE(window("Stats"));
 }
 

@@ -19,8 +19,8 @@ class ShortcutRecorderTest : public testing::Test {
 protected:
     std::unique_ptr<ShortcutRecorder> make(std::optional<KeyCombo> combo = {})
     {
-        return std::make_unique<ShortcutRecorder>(
-            center, platform.ports(), combo, [this](const std::optional<KeyCombo>& set) {
+        return std::make_unique<ShortcutRecorder>(center, platform.keyboard, platform.loop, platform.session, combo,
+            [this](const std::optional<KeyCombo>& set) {
                 stored.append(set ? set->displayString() : QStringLiteral("none"));
                 return answer;
             });

@@ -1,3 +1,4 @@
+#include "Kestro/Preferences/PreferenceKeys.h"
 #include "Kestro/Shortcuts/ShortcutRecorder.h"
 #include "Tests/App/ModelFixture.h"
 
@@ -53,13 +54,13 @@ TEST_F(ShortcutTableTest, settingOneStoresItAndMakesItLive)
     start();
     int toggled = 0;
     model->toggleNotch = [&] { ++toggled; };
-    EXPECT_EQ(model->setShortcut(optionS, open), std::nullopt);
+    EXPECT_EQ(model->shortcuts().set(optionS, open), std::nullopt);
     EXPECT_TRUE(platform.hotKeys.press(optionS));
     EXPECT_EQ(toggled, 1);
     EXPECT_THAT(platform.hotKeys.held(), ElementsAre(QStringLiteral("⌥S")));
     EXPECT_EQ(stored(), QByteArray(R"({"keyCode":1,"modifiers":2048})"));
 
-    EXPECT_EQ(model->setShortcut(std::nullopt, open), std::nullopt);
+    EXPECT_EQ(model->shortcuts().set(std::nullopt, open), std::nullopt);
     EXPECT_THAT(platform.hotKeys.held(), IsEmpty());
     EXPECT_EQ(stored(), QByteArray("null"));
 }
@@ -68,39 +69,39 @@ TEST_F(ShortcutTableTest, aCombinationThatIsTakenIsRefused)
 {
     start();
     const ShortcutOwner app = addApp("/a.desktop");
-    EXPECT_EQ(model->setShortcut(openDefault, app), QStringLiteral("Already used by Open / close notch"));
-    EXPECT_EQ(model->setShortcut(optionS, app), std::nullopt);
-    EXPECT_EQ(model->setShortcut(optionS, open), QStringLiteral("Already used by Editor"));
-    EXPECT_EQ(model->setShortcut(optionS, app), std::nullopt) << "one's own is no conflict";
+    EXPECT_EQ(model->shortcuts().set(openDefault, app), QStringLiteral("Already used by Open / close notch"));
+    EXPECT_EQ(model->shortcuts().set(optionS, app), std::nullopt);
+    EXPECT_EQ(model->shortcuts().set(optionS, open), QStringLiteral("Already used by Editor"));
+    EXPECT_EQ(model->shortcuts().set(optionS, app), std::nullopt) << "one's own is no conflict";
 
     platform.hotKeys.taken.append(optionD);
-    EXPECT_EQ(model->setShortcut(optionD, app), QStringLiteral("Used by another app"));
-    EXPECT_EQ(model->shortcut(app), optionS);
+    EXPECT_EQ(model->shortcuts().set(optionD, app), QStringLiteral("Used by another app"));
+    EXPECT_EQ(model->shortcuts().combo(app), optionS);
     EXPECT_THAT(platform.hotKeys.held(), Contains(QStringLiteral("⌥S"))) << "the previous one is live again";
 
     platform.hotKeys.failure = HotKeys::noSuchKey;
-    EXPECT_EQ(model->setShortcut(KeyCombo{ 3, KeyCombo::option }, app),
+    EXPECT_EQ(model->shortcuts().set(KeyCombo{ 3, KeyCombo::option }, app),
         QStringLiteral("Couldn't register this shortcut (-50); couldn't restore the previous shortcut either"));
-    EXPECT_EQ(model->shortcut(app), optionS);
+    EXPECT_EQ(model->shortcuts().combo(app), optionS);
 }
 
 TEST_F(ShortcutTableTest, itemsTakeTheirShortcutsWithThem)
 {
     start();
     const ShortcutOwner app = addApp("/a.desktop");
-    model->setShortcut(optionS, app);
+    model->shortcuts().set(optionS, app);
     EXPECT_TRUE(platform.hotKeys.press(optionS));
     EXPECT_THAT(platform.workspace.opened, ElementsAre(QStringLiteral("/a.desktop")));
-    model->removeLaunchItem(*app.launchItemId());
+    model->launcher().remove(app.id());
     EXPECT_FALSE(platform.hotKeys.press(optionS));
 
     // A widget whose feature is off is not in sight: its shortcut rests, and still blocks others.
-    EXPECT_EQ(model->addWidget(WidgetKind::ai), std::nullopt);
+    EXPECT_EQ(model->items().addWidget(WidgetKind::ai), std::nullopt);
     const LaunchItem ai = model->visibleItems().last();
     ASSERT_EQ(ai.widget(), WidgetKind::ai);
-    EXPECT_EQ(model->setShortcut(optionD, ShortcutOwner::launchItem(ai.id)), std::nullopt);
+    EXPECT_EQ(model->shortcuts().set(optionD, ShortcutOwner::launchItem(ai.id)), std::nullopt);
     std::optional<WidgetKind> shown;
-    model->openWindow = [&](WidgetKind kind) { shown = kind; };
+    model->host().openWindow = [&](WidgetKind kind) { shown = kind; };
     EXPECT_TRUE(platform.hotKeys.press(optionD));
     EXPECT_EQ(shown, WidgetKind::ai);
 }
@@ -112,16 +113,16 @@ TEST_F(ShortcutTableTest, whatIsOutOfSightRestsAndStillBlocks)
     const QUuid id = QUuid::createUuid();
     ASSERT_EQ(model->launcher().add({ id, LaunchItem::Widget{ WidgetKind::notes } }), std::nullopt);
     const auto notes = ShortcutOwner::launchItem(id);
-    EXPECT_EQ(model->setShortcut(optionS, notes), std::nullopt);
+    EXPECT_EQ(model->shortcuts().set(optionS, notes), std::nullopt);
     EXPECT_FALSE(platform.hotKeys.press(optionS));
-    EXPECT_THAT(model->setShortcut(optionS, open).value_or(QString()).toStdString(), HasSubstr("Already used by"));
+    EXPECT_THAT(model->shortcuts().set(optionS, open).value_or(QString()).toStdString(), HasSubstr("Already used by"));
 }
 
 TEST_F(ShortcutTableTest, aChangeInTheFileIsFollowed)
 {
     start();
     const ShortcutOwner app = addApp("/a.desktop");
-    const auto recorder = model->makeRecorder(open);
+    const auto recorder = model->shortcuts().makeRecorder(open);
     platform.preferences.setValue(prefs::openNotchShortcut.key, QByteArray(R"({"keyCode":1,"modifiers":2048})"));
     platform.loop.turn();
     EXPECT_THAT(platform.hotKeys.held(), ElementsAre(QStringLiteral("⌥S")));
@@ -129,7 +130,7 @@ TEST_F(ShortcutTableTest, aChangeInTheFileIsFollowed)
 
     // Two owners with one combination, by hand: one is live, nothing is rewritten, nothing breaks.
     LauncherStore edited = model->launcher().store();
-    edited.setShortcut(optionS, *app.launchItemId());
+    edited.setShortcut(optionS, app.id());
     const QByteArray bytes = edited.encoded();
     platform.preferences.setValue(prefs::launcherItems.key, bytes);
     platform.loop.turn();

@@ -276,7 +276,7 @@ TEST_F(SidebarControllerTest, theMenuMovesAddsAndRemoves)
     run(0, "Move Down");
     EXPECT_TRUE(model->visibleItems().at(0).isDivider());
     run(2, "Remove (turns AI off)");
-    EXPECT_FALSE(model->agentsEnabled());
+    EXPECT_FALSE(agents().isOn());
     EXPECT_EQ(2, model->visibleItems().size());
 
     ASSERT_EQ(std::nullopt,
@@ -287,10 +287,10 @@ TEST_F(SidebarControllerTest, theMenuMovesAddsAndRemoves)
     EXPECT_EQ(QStringList(QStringLiteral("https://example.org")), platform.workspace.opened);
 
     int opened = 0;
-    model->openSettings = [&] { ++opened; };
+    model->host().openSettings = [&] { ++opened; };
     run(2, "Assign Shortcut…");
     EXPECT_EQ(1, opened);
-    EXPECT_EQ(SettingsPane::layout, model->settingsPane());
+    EXPECT_EQ(QStringLiteral("layout"), model->settingsPane());
     EXPECT_EQ(model->visibleItems().at(2).id, model->settingsTarget());
 }
 
@@ -380,7 +380,7 @@ TEST_F(SidebarControllerTest, theLiveTileShowsTheFiveHoursWhileTheyAreKnown)
     EXPECT_EQ(0.28, share(1));
     platform.loop.advance(3601);
     EXPECT_EQ(0, share(1)) << "the window has passed";
-    model->turn(FeatureSwitch::limits, false);
+    turn("limitsEnabled", false);
     platform.loop.turn();
     EXPECT_EQ(-1, share(1));
 }
@@ -391,7 +391,7 @@ TEST_F(SidebarControllerTest, itGivesWayToAWindow)
         SCOPED_TRACE(visibility);
         start({ { QStringLiteral("sidebarVisibility"), QString::fromLatin1(visibility) } });
         std::optional<WidgetKind> opened;
-        model->openWindow = [&](WidgetKind kind) {
+        model->host().openWindow = [&](WidgetKind kind) {
             opened = kind;
             sidebar->giveWay();
         };
@@ -461,7 +461,7 @@ TEST_F(SidebarControllerTest, anEmptyLayoutOpensAndClosesWithoutACard)
 {
     start({ { QStringLiteral("sidebarVisibility"), QStringLiteral("autoHide") } });
     while (!model->visibleItems().isEmpty())
-        model->removeItem(model->visibleItems().first());
+        model->items().removeItem(model->visibleItems().first());
     platform.loop.turn();
     sidebar->toggle();
     EXPECT_TRUE(sidebar->state().revealed());
