@@ -30,7 +30,7 @@ check_sizes() {
 }
 
 # folders CMAKELISTS: its folders in the order in which they may use one another.
-folders() { sed -n 's/^add_subdirectory(\([A-Za-z]*\)).*/\1/p' "$1"; }
+folders() { sed -n '/^set(folders$/,/^)$/s/^    \([A-Za-z]*\)$/\1/p' "$1"; }
 
 # Within a layer, a folder uses itself and those listed before it.
 check_order() {

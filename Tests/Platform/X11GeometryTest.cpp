@@ -28,7 +28,7 @@ TEST(X11Geometry, StrutsCutTheScreensThatTheyLieOn)
             { { 0, 0, 24, 0, 0, 0, 0, 0, 0, 3199, 0, 0 }, { 0, 0, 30, 0, 0, 0, 0, 0, 1920, 3199, 0, 0 } },
             { 0, 24, 0, 0 }, { 0, 30, 0, 0 } },
     };
-    const QSize desktop(3200, 1080);
+    const QSize desktopSize(3200, 1080);
     for (const double scale : { 1.0, 2.0 }) {
         const ScreenArea left = { QRectF(QPointF(0, 0), QSizeF(1920, 1080) / scale), scale };
         const ScreenArea right = { QRectF(QPointF(1920, 0), QSizeF(1280, 1024) / scale), scale };
@@ -37,14 +37,14 @@ TEST(X11Geometry, StrutsCutTheScreensThatTheyLieOn)
             QList<Strut> struts;
             for (const Property& property : properties)
                 struts.append(Strut::fromProperty(property));
-            EXPECT_EQ(x11::visibleArea(left, desktop, struts), left.logical - onLeft / scale);
-            EXPECT_EQ(x11::visibleArea(right, desktop, struts), right.logical - onRight / scale);
+            EXPECT_EQ(x11::visibleArea(left, desktopSize, struts), left.logical - onLeft / scale);
+            EXPECT_EQ(x11::visibleArea(right, desktopSize, struts), right.logical - onRight / scale);
         }
         const std::array<quint32, 4> withoutRange = { 0, 0, 24, 0 };
-        EXPECT_EQ(x11::visibleArea(right, desktop, { Strut::fromProperty(withoutRange) }),
+        EXPECT_EQ(x11::visibleArea(right, desktopSize, { Strut::fromProperty(withoutRange) }),
             right.logical - Cut(0, 24, 0, 0) / scale);
         const Property whole = { 0, 0, 30, 0, 0, 0, 0, 0, 1920, 3199, 0, 0 };
-        EXPECT_EQ(x11::visibleArea(right, desktop, { Strut::fromProperty(std::span(whole).first(3)) }), right.logical);
+        EXPECT_EQ(x11::visibleArea(right, desktopSize, { Strut::fromProperty(std::span(whole).first(3)) }), right.logical);
     }
 }
 

@@ -10,9 +10,9 @@ const ScreenInfo above{ 1, { 0, 900, 1000, 600 }, false };
 const ScreenInfo primary{ 2, { 0, 0, 1440, 900 }, false };
 const ScreenInfo notched{ 3, { -800, 0, 800, 500 }, true };
 
-std::optional<quint32> idOf(const std::optional<ScreenInfo>& screen)
+std::optional<quint32> idOf(const std::optional<ScreenInfo>& found)
 {
-    return screen ? std::optional(screen->id) : std::nullopt;
+    return found ? std::optional(found->id) : std::nullopt;
 }
 
 TEST(NotchScreen, home)

@@ -1,0 +1,21 @@
+# The glyphs come from Debian's package of icons: those that the symbol table names, and no others.
+set(KESTRO_ICONS /usr/share/bootstrap-icons/svg CACHE PATH "The SVG folder of the package bootstrap-icons")
+
+# kestro_symbols(TARGET TABLE): compiles into the target the icons that the source TABLE names.
+function(kestro_symbols target table)
+    if(NOT IS_DIRECTORY ${KESTRO_ICONS})
+        message(FATAL_ERROR "No icons in ${KESTRO_ICONS}: install Debian's package bootstrap-icons, or set KESTRO_ICONS.")
+    endif()
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${table})
+    file(READ ${table} text)
+    string(REGEX MATCHALL "\"[a-z0-9-]+\\.svg\"" names "${text}")
+    list(REMOVE_DUPLICATES names)
+    foreach(quoted ${names})
+        string(REPLACE "\"" "" name ${quoted})
+        if(NOT EXISTS ${KESTRO_ICONS}/${name})
+            message(FATAL_ERROR "${KESTRO_ICONS} has no ${name}: the package bootstrap-icons is too old.")
+        endif()
+        list(APPEND icons ${KESTRO_ICONS}/${name})
+    endforeach()
+    qt_add_resources(${target} symbols PREFIX /kestro/symbols BASE ${KESTRO_ICONS} FILES ${icons})
+endfunction()
