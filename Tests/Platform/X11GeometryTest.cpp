@@ -44,7 +44,8 @@ TEST(X11Geometry, StrutsCutTheScreensThatTheyLieOn)
         EXPECT_EQ(x11::visibleArea(right, desktopSize, { Strut::fromProperty(withoutRange) }),
             right.logical - Cut(0, 24, 0, 0) / scale);
         const Property whole = { 0, 0, 30, 0, 0, 0, 0, 0, 1920, 3199, 0, 0 };
-        EXPECT_EQ(x11::visibleArea(right, desktopSize, { Strut::fromProperty(std::span(whole).first(3)) }), right.logical);
+        EXPECT_EQ(
+            x11::visibleArea(right, desktopSize, { Strut::fromProperty(std::span(whole).first(3)) }), right.logical);
     }
 }
 
