@@ -72,22 +72,29 @@ check_words() {
     return "$failed"
 }
 
-# A test waits for the thing itself; the harness has the one place that lets a moment pass between two looks.
+# Whoever waits, waits for the thing itself; the harness has the one place that lets a moment pass between two looks.
+# Excepted: X11KeyboardGrabs, which retries a grab that way still, and SocketLoad, which stands idle to be measured.
 check_sleeps() {
-    search 'qSleep|qWait\(|QThread::[mu]?sleep|sleep_for|sleep_until|\b(u|nano)?sleep\(' 'Tests/*.cpp' 'Tests/*.h' \
-        'Tests/*.py' ':!Tests/Desktop/harness/waiting.py' | none "Tests that sleep"
+    search 'qSleep|qWait\(|QThread::[mu]?sleep|\bmsleep\(|sleep_for|sleep_until|\b(u|nano|clock_nano)?sleep\(' \
+        '*.cpp' '*.h' '*.py' ':!Tests/Desktop/harness/waiting.py' ':!Platforms/Linux/X11/X11KeyboardGrabs.cpp' \
+        ':!Benchmarks/SocketLoad.cpp' |
+        none "Code that sleeps"
 }
 
 lines() { project_files "$@" | tr '\n' '\0' | xargs -0 -r cat | grep -c '[^[:space:]]' || true; }
+
+# The share of tests in tenths of a percent: no less than a quarter, no more than a third and what is still to go.
+share_least=250
+share_most=345
 
 check_share() {
     local sources=('*.cpp' '*.h' '*.qml' '*.py' '*.sh' run test Tests/Desktop/desk) all tests
     all=$(lines "${sources[@]}")
     tests=$(lines 'Tests/*.cpp' 'Tests/*.h' 'Tests/*.qml' 'Tests/*.py' 'Tests/*.sh' Tests/Desktop/desk)
-    local share=$((100 * tests / (all > 0 ? all : 1)))
-    echo "Tests are $share % of the code: $tests of $all lines."
-    if [ "$share" -lt 20 ] || [ "$share" -gt 34 ]; then
-        echo "A quarter to a third is asked."
+    local share=$((1000 * tests / (all > 0 ? all : 1)))
+    echo "Tests are $((share / 10)).$((share % 10)) % of the code: $tests of $all lines."
+    if [ "$share" -lt "$share_least" ] || [ "$share" -gt "$share_most" ]; then
+        echo "Between $((share_least / 10)).$((share_least % 10)) and $((share_most / 10)).$((share_most % 10)) % is asked."
         return 1
     fi
 }
@@ -98,11 +105,13 @@ check_shell() {
         run test .ci/run Tests/Desktop/desk scripts/*.sh
 }
 
-# What qmllint knows without the types that are written in C++: their descriptions leave out Qt's own base classes.
+# The types that are written in C++ are known from the build. Disabled: what QML's missing types (`property var`) set off.
 check_views() {
-    project_files '*.qml' | tr '\n' '\0' | xargs -0 -r "$(qmake6 -query QT_INSTALL_BINS)/qmllint" \
-        --type disable --property disable --import disable --unqualified disable --inheritance-cycle disable \
-        --required disable --signal disable --compiler disable
+    [ -e build/test/qml/Kestro/KestroFeatures.qmltypes ] || { echo "The views are checked behind a build." && return 1; }
+    local views
+    mapfile -t views < <(project_files '*.qml')
+    "$(qmake6 -query QT_INSTALL_BINS)/qmllint" -I build/test/qml --multiline-strings warning \
+        --multiple-attached-objects warning --type disable --unqualified disable --compiler disable "${views[@]}"
 }
 
 check_format() {
