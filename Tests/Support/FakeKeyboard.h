@@ -1,0 +1,52 @@
+#pragma once
+
+#include "Kestro/Platform/KeyboardGrabs.h"
+
+#include <utility>
+
+namespace kestro::test {
+
+class FakeKeyboard final : public KeyboardGrabs {
+public:
+    std::unique_ptr<KeyboardHold> hold(
+        std::function<void(const KeyPress&)> pressed, std::function<void()> left) override
+    {
+        if (taken || m_pressed)
+            return nullptr;
+        m_pressed = std::move(pressed);
+        m_left = std::move(left);
+        return std::make_unique<Hold>(*this);
+    }
+    /// The user goes to another window.
+    void leave()
+    {
+        if (const auto left = m_pressed ? m_left : nullptr)
+            left();
+    }
+    void press(quint16 keyCode, quint64 flags = 0)
+    {
+        if (const auto pressed = m_pressed)
+            pressed({ keyCode, flags });
+    }
+    bool isHeld() const { return bool(m_pressed); }
+
+    bool taken = false; ///< by another program
+
+private:
+    class Hold final : public KeyboardHold {
+    public:
+        explicit Hold(FakeKeyboard& keyboard)
+            : m_keyboard(keyboard)
+        {
+        }
+        ~Hold() override { m_keyboard.m_pressed = nullptr; }
+
+    private:
+        FakeKeyboard& m_keyboard;
+    };
+
+    std::function<void(const KeyPress&)> m_pressed;
+    std::function<void()> m_left;
+};
+
+} // namespace kestro::test
