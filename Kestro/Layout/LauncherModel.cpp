@@ -22,6 +22,10 @@ LauncherModel::LauncherModel(MainLoop& loop, PreferenceStore& preferences, Works
 {
     load();
     connect(&preferences, &PreferenceStore::changed, this, &LauncherModel::followFile);
+    connect(&workspace, &Workspace::changed, this, [this] {
+        forgetApps();
+        Q_EMIT faviconsChanged();
+    });
 }
 
 void LauncherModel::followFile(const QStringList& keys)
@@ -37,12 +41,24 @@ void LauncherModel::followFile(const QStringList& keys)
 void LauncherModel::load()
 {
     auto [store, corrupt] = LauncherStore::decode(prefs::launcherItems.read(m_preferences));
-    m_store = store;
+    replaceStore(store);
     if (corrupt) {
         const QString key = prefs::launcherItemsCorrupt.key;
         m_log.write(QStringLiteral("Kestro: couldn't decode the launcher items; kept them under %1").arg(key));
         prefs::launcherItemsCorrupt.write(m_preferences, corrupt);
     }
+}
+
+void LauncherModel::replaceStore(LauncherStore store)
+{
+    m_store = std::move(store);
+    forgetApps(); // items may have gone; the workspace answers again without reading
+}
+
+void LauncherModel::forgetApps()
+{
+    m_appNames.clear();
+    m_appIcons.clear();
 }
 
 void LauncherModel::save() { prefs::launcherItems.write(m_preferences, m_store.encoded()); }
@@ -53,7 +69,7 @@ template <class Change> void LauncherModel::edit(Change change)
     change(changed);
     if (changed == m_store)
         return;
-    m_store = std::move(changed);
+    replaceStore(std::move(changed));
     save();
     Q_EMIT storeChanged();
 }
@@ -156,8 +172,13 @@ void LauncherModel::open(const LaunchItem& item)
 
 QString LauncherModel::displayName(const LaunchItem& item) const
 {
-    const auto name = item.app() ? m_workspace.displayName(item.app()->path) : std::nullopt;
-    return name && !name->isEmpty() ? *name : item.name();
+    const auto* app = item.app();
+    if (!app)
+        return item.name();
+    auto known = m_appNames.find(app->path);
+    if (known == m_appNames.end())
+        known = m_appNames.insert(app->path, m_workspace.displayName(app->path).value_or(QString()));
+    return known->isEmpty() ? item.name() : *known;
 }
 
 QImage LauncherModel::icon(const LaunchItem& item, int pixels)

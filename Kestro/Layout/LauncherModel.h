@@ -56,6 +56,7 @@ public:
 
 Q_SIGNALS:
     void storeChanged();
+    /// An item's icon or name is another: a link's icon has come, or the desktop's own have changed.
     void faviconsChanged();
     void noticeChanged();
 
@@ -65,6 +66,8 @@ private:
     void followFile(const QStringList& keys);
     /// Runs `change` on the store; if that made a difference, saves and tells.
     template <class Change> void edit(Change change);
+    void replaceStore(LauncherStore store);
+    void forgetApps();
     QString message(LauncherError error, const LaunchItem& item) const;
     void requestFavicon(const QString& host);
 
@@ -81,6 +84,7 @@ private:
     LauncherStore m_store;
     QHash<QString, QImage> m_favicons;
     QSet<QString> m_faviconsRequested;
+    mutable QHash<QString, QString> m_appNames; ///< by path; empty where the desktop knows none
     QHash<QString, AppIcon> m_appIcons; ///< by path
     QString m_notice;
     WorkItem m_noticeEnd;

@@ -146,6 +146,32 @@ TEST_F(Launcher, namesAndIconsOfApplications)
     EXPECT_TRUE(model().icon(widgetOf(WidgetKind::ai)).isNull());
 }
 
+TEST_F(Launcher, applicationsAreLookedUpOnceUntilTheDesktopChanges)
+{
+    const LaunchItem known = appAt("/one.desktop"), unknown = appAt("/gone.desktop");
+    m_workspace.names = { { u"/one.desktop"_qs, u"Eins"_qs } };
+    QSignalSpy told(&model(), &LauncherModel::faviconsChanged);
+    const auto layOut = [&] {
+        for (int i = 0; i < 100; ++i) {
+            for (const LaunchItem& item : { known, unknown }) {
+                model().displayName(item);
+                model().icon(item);
+            }
+        }
+    };
+    layOut();
+    EXPECT_THAT(m_workspace.namesAsked, ElementsAre(u"/one.desktop"_qs, u"/gone.desktop"_qs));
+    EXPECT_THAT(m_workspace.iconsAsked, ElementsAre(u"/one.desktop"_qs, u"/gone.desktop"_qs));
+
+    m_workspace.names[u"/gone.desktop"_qs] = u"Zwei"_qs;
+    Q_EMIT m_workspace.changed();
+    EXPECT_EQ(told.size(), 1);
+    EXPECT_EQ(model().displayName(unknown), u"Zwei"_qs);
+    layOut();
+    EXPECT_EQ(m_workspace.namesAsked.size(), 4);
+    EXPECT_EQ(m_workspace.iconsAsked.size(), 4);
+}
+
 TEST_F(Launcher, faviconsComeLaterAndAreAskedForOnce)
 {
     QSignalSpy told(&model(), &LauncherModel::faviconsChanged);

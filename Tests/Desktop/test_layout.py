@@ -3,20 +3,47 @@
 import base64
 import json
 import os
+import signal
 import subprocess
 import unittest
+import uuid
+from contextlib import contextmanager
+from pathlib import Path
 
 from harness import HOME, DesktopTest, Kestro, picture, read_preferences, wait_for
 
 APPLICATIONS = HOME / ".local/share/applications"
 
 
+def write_application(name, *more):
+    """Replaces the entry as a package manager would; its path."""
+    APPLICATIONS.mkdir(parents=True, exist_ok=True)
+    path = APPLICATIONS / f"{name.replace(' ', '')}.desktop"
+    new = path.with_suffix(".new")
+    new.write_text("\n".join(["[Desktop Entry]", "Type=Application", f"Name={name}", "Exec=true", *more, ""]))
+    new.rename(path)
+    return str(path)
+
+
+@contextmanager
+def traced_files(pid):
+    """The calls on files that a process makes meanwhile, one a line."""
+    lines = []
+    with subprocess.Popen(["strace", "-f", "-q", "-e", "trace=%file", "-e", "signal=none", "-p", str(pid)],
+                          stderr=subprocess.PIPE, text=True) as tracer:
+        status = Path(f"/proc/{pid}/status")
+        wait_for(lambda: "TracerPid:\t0\n" not in status.read_text(), 5, "strace to attach")
+        try:
+            yield lines
+        finally:
+            tracer.send_signal(signal.SIGINT)
+            lines.extend(tracer.stderr.read().splitlines())
+
+
 class Test(DesktopTest):
     def start(self, **preferences):
         for name in ("Editor", "Terminal", "Text Tools"):
-            APPLICATIONS.mkdir(parents=True, exist_ok=True)
-            (APPLICATIONS / f"{name.replace(' ', '')}.desktop").write_text(
-                f"[Desktop Entry]\nType=Application\nName={name}\nExec=true\n")
+            write_application(name)
         self.kestro = self.using(Kestro(preferences))
         self.tree = self.kestro.tree
         subprocess.run([os.environ["KESTRO"]], check=True, timeout=5)
@@ -113,6 +140,32 @@ class Test(DesktopTest):
         self.pointer.glide(top.x + 16, top.y + 8)
         self.pointer.release()
         self.expect("Divider", "Stats", "AI")
+
+    def test_names_are_read_when_they_change_and_not_when_the_pointer_moves(self):
+        names = ["Chat", "Editor", "Files", "Mail", "Music", "Photos"]
+        items = [{"id": str(uuid.uuid4()).upper(), "kind": {"app": {"path": write_application(name, "Icon=none")}}}
+                 for name in names]
+        kestro = self.using(Kestro({
+            "dockMagnification": True, "launcherItems.migrated": True,
+            "launcherItems": {"$data": base64.b64encode(json.dumps(items).encode()).decode()}}))
+        self.tree = kestro.tree
+        tile = lambda name: self.tree.find("button", name)  # noqa: E731
+        at_rest = tile("Mail").frame
+
+        def pass_over():
+            for name in names:
+                self.pointer.glide(at_rest.middle[0], tile(name).frame.middle[1])
+                wait_for(lambda name=name: tile(name).frame.width > at_rest.width * 1.3, 3, f"{name} to be magnified")
+            self.pointer.glide(600, 200)
+            wait_for(lambda: tile("Mail").frame == at_rest, 3, "the dock to be at rest")
+        pass_over()  # the first tooltip is loaded
+        with traced_files(kestro.pid) as calls:
+            pass_over()
+        self.assertEqual([], calls)
+
+        (APPLICATIONS / "Files.desktop").write_text("[Desktop Entry]\nType=Application\nName=Folders\nExec=true\n")
+        self.tree.wait("button", "Folders")
+        self.tree.wait_gone("button", "Files")
 
     def test_what_another_program_writes_shows(self):
         self.start()

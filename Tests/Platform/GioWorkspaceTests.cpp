@@ -3,6 +3,7 @@
 
 #include <QDir>
 #include <QIcon>
+#include <QSignalSpy>
 #include <cerrno>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -115,9 +116,10 @@ TEST_F(GioWorkspaceTest, DrawsIconsFromFilesAndThemes)
     picture.fill(Qt::red);
     const QString wide = m_folder.filePath(u"wide.png"_s);
     const QString small = m_folder.filePath(u"small.png"_s);
+    const QString longStrip = m_folder.filePath(u"long.png"_s);
     const QString theme = s_data.filePath(u"icons/hicolor"_s);
     QDir().mkpath(theme + u"/48x48/apps"_s);
-    ASSERT_TRUE(picture.save(wide) && picture.copy(0, 0, 20, 20).save(small)
+    ASSERT_TRUE(picture.save(wide) && picture.copy(0, 0, 20, 20).save(small) && picture.scaled(3000, 1).save(longStrip)
         && picture.copy(0, 0, 48, 48).save(theme + u"/48x48/apps/themed.png"_s));
     writeFile(theme + u"/index.theme"_s,
         "[Icon Theme]\nName=hicolor\nDirectories=48x48/apps\n[48x48/apps]\nSize=48\nType=Fixed\n");
@@ -132,13 +134,65 @@ TEST_F(GioWorkspaceTest, DrawsIconsFromFilesAndThemes)
         { u"no-such-icon"_s, { 0, 0 } },
         { m_folder.path(), { 0, 0 } },
         { write(u"broken.png"_s, "not a picture"), { 0, 0 } },
+        { longStrip, { 0, 0 } },
+        { write(u"huge.svg"_s, "<svg width='10' height='10'/>" + QByteArray(9 << 20, ' ')), { 0, 0 } },
     };
+    int number = 0;
     for (const auto& [icon, size] : cases) {
         SCOPED_TRACE(icon.toStdString());
-        const QImage image =
-            m_workspace.icon(write(u"app.desktop"_s, app + "Exec=true\nIcon=" + icon.toUtf8() + '\n'), 64);
+        const QByteArray entry = app + "Exec=true\nIcon=" + icon.toUtf8() + '\n';
+        const QImage image = m_workspace.icon(write(u"app%1.desktop"_s.arg(++number), entry), 64);
         EXPECT_EQ(image.size(), size);
         EXPECT_TRUE(image.isNull() || image.pixelColor(image.rect().center()) == QColor(Qt::red));
+    }
+}
+
+TEST_F(GioWorkspaceTest, KeepsNamesAndIconsUntilAFileBehindThemChanges)
+{
+    QImage picture(8, 8, QImage::Format_ARGB32);
+    const auto paint = [&](Qt::GlobalColor colour) {
+        picture.fill(colour);
+        ASSERT_TRUE(picture.save(m_folder.filePath(u"icon.png"_s)));
+    };
+    paint(Qt::red);
+    const QByteArray entry = "Exec=true\nIcon=" + QFile::encodeName(m_folder.filePath(u"icon.png"_s)) + '\n';
+    const QString path = write(u"app.desktop"_s, app + entry);
+    const QString later = m_folder.filePath(u"deep/folder/later.desktop"_s);
+    const auto told = [&] {
+        return std::tuple(m_workspace.displayName(path).value_or(QString()), m_workspace.displayName(later).has_value(),
+            m_workspace.icon(path, 8).pixelColor(0, 0));
+    };
+    const std::tuple red(u"App"_s, false, QColor(Qt::red));
+    EXPECT_EQ(told(), red);
+    settle();
+
+    QSignalSpy changes(&m_workspace, &Workspace::changed);
+    write(u"something-else.desktop"_s, app + entry);
+    settle();
+    EXPECT_EQ(m_workspace.icon(path, 8).cacheKey(), m_workspace.icon(path, 8).cacheKey());
+    EXPECT_EQ(changes.size(), 0) << "a file that was not asked about";
+
+    const std::pair<std::function<void()>, decltype(red)> cases[] = {
+        { [&] { paint(Qt::blue); }, { u"App"_s, false, QColor(Qt::blue) } },
+        { [&] { writeFile(path, app + "Name[xx]=Neu\n" + entry); }, { u"Neu"_s, false, QColor(Qt::blue) } },
+        { [&] {
+             QDir(m_folder.path()).mkpath(u"deep/folder"_s);
+             writeFile(later, app + entry);
+         },
+            { u"Neu"_s, true, QColor(Qt::blue) } },
+        { [&] { QDir(m_folder.filePath(u"deep"_s)).removeRecursively(); }, { u"Neu"_s, false, QColor(Qt::blue) } },
+        { [&] {
+             QFile::rename(path, path + u'~');
+             write(u"new"_s, app + entry);
+             QFile::rename(m_folder.filePath(u"new"_s), path);
+         },
+            { u"App"_s, false, QColor(Qt::blue) } },
+    };
+    for (const auto& [change, expected] : cases) {
+        change();
+        EXPECT_TRUE(waitFor([&, &expected = expected] { return !changes.isEmpty() && told() == expected; }));
+        settle();
+        changes.clear();
     }
 }
 

@@ -20,6 +20,7 @@ public:
     }
     std::optional<QString> displayName(const QString& path) const override
     {
+        namesAsked.append(path);
         const QString name = names.value(path);
         return name.isEmpty() ? std::nullopt : std::optional(name);
     }
@@ -56,7 +57,7 @@ public:
     QMap<QString, QString> bundles; ///< path -> bundle identifier
     QString openFailure; ///< what opening says, where not empty
     QStringList opened, trashed;
-    mutable QStringList iconsAsked;
+    mutable QStringList namesAsked, iconsAsked;
 };
 
 } // namespace kestro::test

@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QIcon>
+#include <algorithm>
 #include <gio/gdesktopappinfo.h>
 #include <unistd.h>
 
@@ -14,6 +15,8 @@ namespace kestro {
 namespace {
 
 constexpr qint64 largestEntry = 1 << 20; // bytes; a file of this ending that is larger is something else
+constexpr qsizetype iconBytes = 8 << 20; // of all icons that are kept; a dock's are below 2 MB at a scale of 1
+constexpr qsizetype emptyIconBytes = 256; // what an entry without an icon costs in the cache
 
 bool isEntry(const QString& path)
 {
@@ -102,7 +105,9 @@ QString openWithDefault(const QUrl& url)
 } // namespace
 
 GioWorkspace::GioWorkspace()
+    : m_icons(iconBytes)
 {
+    connect(&m_files, &FollowedFiles::changed, this, &GioWorkspace::forget);
     if (QIcon::themeName().isEmpty())
         QIcon::setThemeName(QStringLiteral("hicolor"));
 }
@@ -129,6 +134,25 @@ QList<Application> GioWorkspace::applications() const
 
 std::optional<QString> GioWorkspace::displayName(const QString& path) const
 {
+    auto known = m_names.find(path);
+    if (known == m_names.end())
+        known = m_names.insert(path, readName(path));
+    return *known;
+}
+
+QImage GioWorkspace::icon(const QString& path, int pixels) const
+{
+    const std::pair key(path, pixels);
+    if (const QImage* known = m_icons.object(key))
+        return *known;
+    QImage image = readIcon(path, pixels);
+    m_icons.insert(key, new QImage(image), std::max(emptyIconBytes, image.sizeInBytes()));
+    return image;
+}
+
+std::optional<QString> GioWorkspace::readName(const QString& path) const
+{
+    m_files.follow(path);
     const auto entry = readEntry(path);
     if (!entry)
         return std::nullopt;
@@ -136,13 +160,39 @@ std::optional<QString> GioWorkspace::displayName(const QString& path) const
     return name.isEmpty() ? std::nullopt : std::optional(name);
 }
 
-QImage GioWorkspace::icon(const QString& path, int pixels) const
+QImage GioWorkspace::readIcon(const QString& path, int pixels) const
 {
-    if (const auto entry = readEntry(path))
-        return ThemedIcon::named(entryText(entry.get(), "Icon"), pixels);
+    m_files.follow(path);
+    if (const auto entry = readEntry(path)) {
+        const QString name = entryText(entry.get(), "Icon");
+        followIcon(name);
+        return ThemedIcon::named(name, pixels);
+    }
     const GioPointer<GFileInfo> info(g_file_query_info(
         localFile(path).get(), G_FILE_ATTRIBUTE_STANDARD_ICON, G_FILE_QUERY_INFO_NONE, nullptr, nullptr));
     return info ? ThemedIcon::image(g_file_info_get_icon(info.get()), pixels) : QImage();
+}
+
+// An icon of a theme can stand in any of the theme's many folders. Whatever installs one rewrites the theme's cache.
+void GioWorkspace::followIcon(const QString& name) const
+{
+    if (name.startsWith(u'/'))
+        return m_files.follow(name);
+    for (const QString& folder : QIcon::themeSearchPaths()) {
+        for (const QString& theme : { QIcon::themeName(), QStringLiteral("hicolor") }) {
+            if (QFileInfo(folder + u'/' + theme).isDir())
+                m_files.follow(folder + u'/' + theme + QStringLiteral("/icon-theme.cache"));
+        }
+    }
+}
+
+void GioWorkspace::forget()
+{
+    m_names.clear();
+    m_icons.clear();
+    // Qt keeps what it knows of a theme until its folders are set.
+    QIcon::setThemeSearchPaths(QIcon::themeSearchPaths());
+    Q_EMIT changed();
 }
 
 void GioWorkspace::openApplication(const QString& path, std::function<void(const QString&)> failed)

@@ -1,13 +1,20 @@
 #pragma once
 
 #include "Kestro/Platform/Workspace.h"
+#include "Platforms/Linux/System/FollowedFiles.h"
+
+#include <QCache>
+#include <QHash>
+#include <utility>
 
 namespace kestro {
 
 /// The desktop's applications and files through GIO, icons through Qt's icon theme. An application is a desktop entry.
 ///
-/// Asking about entries reads their files alone; starting and opening may talk to the session bus.
+/// Asking about entries reads their files alone; starting and opening may talk to the session bus. Names and icons are
+/// read once and kept until a file that they came from changes.
 class GioWorkspace final : public Workspace {
+    Q_OBJECT
 public:
     /// Where the desktop names no icon theme, the one that every application's icon must be in is used.
     GioWorkspace();
@@ -25,6 +32,16 @@ public:
 
     void refreshRegistry(const QString&) override { }
     std::optional<QString> bundleIdentifier(const QString&) const override { return std::nullopt; }
+
+private:
+    std::optional<QString> readName(const QString& path) const;
+    QImage readIcon(const QString& path, int pixels) const;
+    void followIcon(const QString& name) const;
+    void forget();
+
+    mutable FollowedFiles m_files;
+    mutable QHash<QString, std::optional<QString>> m_names; ///< by path
+    mutable QCache<std::pair<QString, int>, QImage> m_icons; ///< by path and size; null where there is none
 };
 
 } // namespace kestro

@@ -6,18 +6,24 @@
 #include <QFileInfo>
 #include <QIcon>
 #include <QImageReader>
+#include <algorithm>
 
 namespace kestro::ThemedIcon {
 namespace {
 
-// Scaled while it is read: a photograph named as an icon is never in memory whole.
+constexpr qint64 largestFile = 8 << 20; // bytes
+constexpr int longestSide = 2048; // pixels; 16 MB while it is read
+
+// Drawings and photographs are scaled while they are read; any other format is in memory whole before.
 QImage fromFile(const QString& path, int pixels)
 {
-    if (!QFileInfo(path).isFile())
+    const QFileInfo file(path);
+    if (!file.isFile() || file.size() > largestFile)
         return {};
     QImageReader reader(path);
     const QSize size = reader.size();
-    if (size.isEmpty())
+    const bool scalesWhileReading = reader.format().startsWith("svg") || reader.format() == "jpeg";
+    if (size.isEmpty() || (!scalesWhileReading && std::max(size.width(), size.height()) > longestSide))
         return {};
     if (size.width() > pixels || size.height() > pixels || reader.format().startsWith("svg"))
         reader.setScaledSize(size.scaled(pixels, pixels, Qt::KeepAspectRatio));
