@@ -4,21 +4,16 @@
 #include "KestroCore/Support/PosixError.h"
 
 #include <cerrno>
-#include <csignal>
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
 
-// How a file gets its name. Its content is written into a file without one (O_TMPFILE), which vanishes by itself
-// whenever the program dies. There is no call that puts such a file in the place of a named one: it must first be
-// linked to a temporary name and then renamed, and a program killed between the two calls would leave that name.
-// So a child process makes the two calls: it has its own life, and finishes when its parent is killed; when the child
-// is killed instead, the parent finishes. Only what kills both in that moment (a cut of power) leaves the temporary
-// name, and since it is always the same for one file, the next writer clears it away.
-// File systems without O_TMPFILE get the temporary name from the start, with the same clearing.
+// The content is written into a file without a name (O_TMPFILE), which vanishes when the program dies. No call puts
+// such a file in the place of a named one: it is linked to a temporary name, and that is renamed. A program that is
+// killed between these two calls leaves the temporary name, which is always the same for one file: the next writer, or
+// removeLeftover, removes it. File systems without O_TMPFILE get the temporary name from the start.
 
 namespace kestro::AtomicFile {
 
@@ -50,13 +45,6 @@ struct Place {
     const char* name;
 };
 
-/// The rest make system calls alone, since they also run in a child that shares this process's memory.
-/// Each returns an errno, or 0.
-int link(const char* file, const Place& place)
-{
-    return linkat(AT_FDCWD, file, place.folder, place.temporary, AT_SYMLINK_FOLLOW) == 0 ? 0 : errno;
-}
-
 int rename(const Place& place)
 {
     if (renameat(place.folder, place.temporary, place.folder, place.name) == 0)
@@ -66,41 +54,19 @@ int rename(const Place& place)
     return error;
 }
 
-int linkAndRename(const char* file, const Place& place)
-{
-    const int error = link(file, place);
-    return error ? error : rename(place);
-}
-
-/// After a child that may have come any distance. A second link to one file makes rename do nothing, hence the unlink.
-int finish(const char* file, const Place& place)
-{
-    if (const int error = link(file, place); error && error != EEXIST)
-        return error;
-    const int error = rename(place);
-    unlinkat(place.folder, place.temporary, 0);
-    return error;
-}
-
-/// Gives the nameless file open as `fd` its name, whichever one process is killed.
+/// Gives the nameless file that is open as `fd` its name; an errno, or 0.
 int publish(int fd, const Place& place)
 {
     const QByteArray file = "/proc/self/fd/" + QByteArray::number(fd);
-    const char* const filePath = file.constData();
-    // A signal's handler must not run in the child, on our memory.
-    sigset_t all;
-    sigset_t before;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &before);
-    const pid_t child = vfork();
-    if (child == 0)
-        _exit(linkAndRename(filePath, place));
-    int status = 0;
-    const bool waited = child > 0 && uninterrupted([&] { return waitpid(child, &status, 0); }) == child;
-    // No status either when the program was started with SIGCHLD ignored.
-    const int error = waited && WIFEXITED(status) ? WEXITSTATUS(status) : finish(filePath, place);
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    return error;
+    const auto link = [&] {
+        return linkat(AT_FDCWD, file.constData(), place.folder, place.temporary, AT_SYMLINK_FOLLOW) == 0 ? 0 : errno;
+    };
+    int error = link();
+    if (error == EEXIST) { // another process writes the same file
+        unlinkat(place.folder, place.temporary, 0);
+        error = link();
+    }
+    return error ? error : rename(place);
 }
 
 void check(bool succeeded, const QByteArray& path)

@@ -29,13 +29,13 @@ struct Contents {
 /// more than `limit` bytes or is not an ordinary file: a pipe or a device is never waited for.
 std::optional<Contents> read(const QByteArray& path, qsizetype limit);
 
-/// Puts `bytes` in the place of what is at `path`: a reader, and whoever comes after a crash or a cut of power, finds
-/// the old file or the new one. Permissions are right from the first byte on; without `attributes` they are those of
+/// Puts `bytes` in the place of what is at `path`: a reader, after a crash or a cut of power too, finds the old file or
+/// the new one. Permissions are right from the first byte on; without `attributes` they are those of
 /// any new file. A symbolic link at `path` is replaced, not followed.
 void replace(const QByteArray& path, QByteArrayView bytes, const std::optional<Attributes>& attributes);
 
-/// Removes what a `replace` of `path` left behind if the power was cut at its last step (see the source for when).
-/// `replace` does so itself. Never throws.
+/// Removes the temporary name that a `replace` of `path` leaves when the program is killed at its last step. `replace`
+/// does so itself. Never throws.
 void removeLeftover(const QByteArray& path);
 
 /// Creates the folder and those above it, as `mkdir -p` does. Does nothing when it is there.
