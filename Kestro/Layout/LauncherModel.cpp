@@ -47,6 +47,8 @@ void LauncherModel::load()
         m_log.write(QStringLiteral("Kestro: couldn't decode the launcher items; kept them under %1").arg(key));
         prefs::launcherItemsCorrupt.write(m_preferences, corrupt);
     }
+    if (const qsizetype count = m_store.unreadableCount(); count > 0)
+        m_log.write(QStringLiteral("Kestro: the layout has %1 link(s) with an unreadable address").arg(count));
 }
 
 void LauncherModel::replaceStore(LauncherStore store)
@@ -150,7 +152,10 @@ void LauncherModel::migrate(const std::set<WidgetKind>& enabled)
     if (items && *items != m_store.items()) {
         const qsizetype added = items->size() - m_store.items().size();
         m_log.write(QStringLiteral("Kestro: layout migration added %1 widget item(s)").arg(added));
-        edit([&](LauncherStore& store) { store = LauncherStore(*items); });
+        edit([&](LauncherStore& store) {
+            for (const LaunchItem& item : items->last(added))
+                static_cast<void>(store.add(item));
+        });
     }
     prefs::launcherItemsMigrated.write(m_preferences, true);
 }

@@ -42,11 +42,10 @@ std::optional<LaunchItem::Kind> kindOf(const std::string& key, const json& paylo
     if (key == "link") {
         const auto address = string(payload, "url");
         const auto title = string(payload, "title");
-        if (!address || !title || address->isEmpty())
-            return std::nullopt;
-        // Lenient, unlike what the user types: refusing one address would cost the whole layout.
-        const QUrl url(*address, QUrl::TolerantMode);
-        return url.isValid() ? std::optional<LaunchItem::Kind>(LaunchItem::Link{ url, *title }) : std::nullopt;
+        // Lenient, unlike what the user types. An address that fails even so is an empty URL.
+        return address && title
+            ? std::optional<LaunchItem::Kind>(LaunchItem::Link{ QUrl(*address, QUrl::TolerantMode), *title })
+            : std::nullopt;
     }
     return std::nullopt;
 }
@@ -122,6 +121,8 @@ bool LaunchItem::isSame(const LaunchItem& other) const
         return link()->url == other.link()->url;
     return widget() && widget() == other.widget();
 }
+
+bool LaunchItem::isReadable() const { return !link() || (link()->url.isValid() && !link()->url.isEmpty()); }
 
 QString LaunchItem::host() const { return link() ? link()->url.host(QUrl::FullyEncoded).toLower() : QString(); }
 

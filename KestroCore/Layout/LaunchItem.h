@@ -63,12 +63,15 @@ struct LaunchItem {
     /// Whether both stand for the same thing, whatever their ids and titles. Dividers never do.
     bool isSame(const LaunchItem& other) const;
 
+    /// False for a link whose address does not parse: no layout holds it.
+    bool isReadable() const;
+
     /// The link's host in lower case and ASCII form, empty where it has none and for other items.
     QString host() const;
 
     /// {"id", "kind": {one key}, "shortcut"?}
     nlohmann::json toJson() const;
-    /// Nothing for any other shape, an unknown widget or an unreadable URL included.
+    /// Nothing for any other shape, an unknown widget included. A link whose address does not parse is not readable.
     static std::optional<LaunchItem> fromJson(const nlohmann::json& json);
 };
 

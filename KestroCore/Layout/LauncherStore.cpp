@@ -17,6 +17,31 @@ bool hasScheme(const QString& text)
     const auto end = std::find_if_not(text.begin(), text.end(), isPart);
     return end != text.end() && *end == u':' && isLetter(text[0]);
 }
+
+// The elements of a valid JSON array, each in its own bytes: what is written back must not pass through a printer that
+// recurses and rounds.
+QByteArrayList elementsOf(const QByteArray& array)
+{
+    QByteArrayList elements;
+    qsizetype start = array.indexOf('[') + 1;
+    qsizetype depth = 1;
+    bool quoted = false;
+    for (qsizetype i = start; depth > 0 && i < array.size(); ++i) {
+        const char c = array[i];
+        if (quoted) {
+            i += c == '\\';
+            quoted = c != '"';
+            continue;
+        }
+        quoted = c == '"';
+        depth += (c == '[' || c == '{') - (c == ']' || c == '}');
+        if (depth == 0 || (depth == 1 && c == ',')) {
+            elements.append(array.sliced(start, i - start).trimmed());
+            start = i + 1;
+        }
+    }
+    return elements;
+}
 } // namespace
 
 LauncherStore::LauncherStore(const QList<LaunchItem>& items)
@@ -168,10 +193,23 @@ void LauncherStore::setShortcut(const std::optional<KeyCombo>& combo, const QUui
 
 QByteArray LauncherStore::encoded() const
 {
-    nlohmann::json array = nlohmann::json::array();
-    for (const LaunchItem& item : m_items)
-        array.push_back(item.toJson());
-    return QByteArray::fromStdString(array.dump());
+    QByteArrayList elements;
+    QList<Unreadable> left = m_unreadable;
+    const auto appendBehind = [&](const QUuid& id) {
+        for (const Unreadable& each : left) {
+            if (each.behind == id)
+                elements.append(each.json);
+        }
+        left.removeIf([&](const Unreadable& each) { return each.behind == id; });
+    };
+    appendBehind(QUuid());
+    for (const LaunchItem& item : m_items) {
+        elements.append(QByteArray::fromStdString(item.toJson().dump()));
+        appendBehind(item.id);
+    }
+    for (const Unreadable& each : left)
+        elements.append(each.json);
+    return '[' + elements.join(',') + ']';
 }
 
 LauncherStore::Decoded LauncherStore::decode(const std::optional<QByteArray>& data)
@@ -183,13 +221,22 @@ LauncherStore::Decoded LauncherStore::decode(const std::optional<QByteArray>& da
     if (!document.is_array())
         return broken;
     QList<LaunchItem> items;
+    QList<Unreadable> unreadable;
+    qsizetype number = 0;
+    const QByteArrayList elements = elementsOf(*data);
     for (const auto& element : document) {
+        const QByteArray& json = elements[number++];
         const auto item = LaunchItem::fromJson(element);
         if (!item)
             return broken;
-        items.append(*item);
+        if (item->isReadable())
+            items.append(*item);
+        else if (unreadable.size() < maxItems)
+            unreadable.append({ items.isEmpty() ? QUuid() : items.last().id, json });
     }
-    return { LauncherStore(items) };
+    Decoded decoded{ LauncherStore(items) };
+    decoded.store.m_unreadable = unreadable;
+    return decoded;
 }
 
 QList<LaunchItem> LauncherStore::visibleItems(

@@ -53,9 +53,13 @@ public:
     void remove(const QUuid& id);
     void setShortcut(const std::optional<KeyCombo>& combo, const QUuid& id);
 
-    /// One JSON array.
+    /// Links of the decoded array whose address does not parse. They are no items, but `encoded` has their bytes.
+    qsizetype unreadableCount() const { return m_unreadable.size(); }
+
+    /// One JSON array. An unreadable element stands behind the item that it stood behind.
     QByteArray encoded() const;
     struct Decoded; ///< `store`, cleaned; and `corrupt`: the bytes when they were no layout
+    /// Keeps at most `maxItems` unreadable elements.
     static Decoded decode(const std::optional<QByteArray>& data);
 
     /// The items without the widgets that are not both available and enabled.
@@ -71,7 +75,14 @@ public:
 private:
     qsizetype indexOf(const QUuid& id) const; ///< -1 if there is none
 
+    struct Unreadable {
+        QUuid behind; ///< null at the start of the array
+        QByteArray json;
+        bool operator==(const Unreadable&) const = default;
+    };
+
     QList<LaunchItem> m_items;
+    QList<Unreadable> m_unreadable;
 };
 
 struct LauncherStore::Decoded {

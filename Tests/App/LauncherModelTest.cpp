@@ -52,6 +52,18 @@ TEST_F(Launcher, corruptBytesAreSetAside)
     EXPECT_EQ(m_log.lines.size(), 1);
 }
 
+TEST_F(Launcher, aLinkThatDoesNotParseStaysInThePreferences)
+{
+    const QByteArray link =
+        R"({"id":"00000001-0000-0000-0000-000000000001","kind":{"link":{"url":"http://[","title":""}}})";
+    m_preferences.values = { { u"launcherItems"_qs, QByteArray('[' + link + ']') } };
+    model().migrate({});
+    EXPECT_EQ(model().store().items().size(), 1);
+    EXPECT_FALSE(m_preferences.values.contains(u"launcherItems.corrupt"_qs));
+    EXPECT_TRUE(m_preferences.values.value(u"launcherItems"_qs).toByteArray().startsWith('[' + link + ",{"));
+    EXPECT_EQ(m_log.lines.size(), 2) << "the link, the migration";
+}
+
 TEST_F(Launcher, everyChangeIsSavedAndToldOnce)
 {
     const LaunchItem one = appAt("/one.desktop"), two = appAt("/two.desktop"), three = appAt("/three.desktop");

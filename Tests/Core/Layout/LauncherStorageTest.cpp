@@ -33,8 +33,7 @@ TEST(LauncherStorage, whatIsNoLayoutIsCorrupt)
     const QByteArray table[] = { "", "{", "null", "{}", "[1]", "[null]", "\xFF\xFE", QByteArray(100000, '['),
         element("{}"), element("[]"), element(R"({"app":{"path":"/a"},"divider":{}})"), element(R"({"app":{}})"),
         element(R"({"app":{"path":1}})"), element(R"({"divider":null})"), element(R"({"widget":{"kind":"toaster"}})"),
-        element(R"({"link":{"url":"","title":""}})"), element(R"({"link":{"url":"https://a.com"}})"),
-        element(R"({"link":{"url":"http://[","title":""}})"), element(R"({"divider":{}})", R"(,"shortcut":5)"),
+        element(R"({"link":{"url":"https://a.com"}})"), element(R"({"divider":{}})", R"(,"shortcut":5)"),
         element(R"({"divider":{}})", R"(,"shortcut":{"keyCode":1})"),
         R"([{"id":"{00000001-0000-0000-0000-000000000001}","kind":{"divider":{}}}])", R"([{"kind":{"divider":{}}}])" };
     for (const QByteArray& bytes : table) {
@@ -45,6 +44,42 @@ TEST(LauncherStorage, whatIsNoLayoutIsCorrupt)
     // Tolerated: what a later version may add, and an explicit "no shortcut".
     for (const char* more : { "", R"(,"shortcut":null)", R"(,"later":{"deep":[1]})" })
         EXPECT_EQ(LauncherStore::decode(element(R"({"divider":{}})", more)).store.dividerCount(), 1) << more;
+}
+
+TEST(LauncherStorage, aLinkThatDoesNotParseIsSkippedAndKept)
+{
+    const auto link = [](int n, const QByteArray& rest) {
+        return R"({ "odd" : "\\u00e9{", "id":")" + uuidText(id(n)).toUtf8() + R"(", "kind":{"link":{"url":")" + rest
+            + R"(","title":"a \"] , \\"}}, "later":[{}, 123456789012345678901234567890] })";
+    };
+    const auto elementOf = [](const LaunchItem& item) {
+        const QByteArray array = LauncherStore({ item }).encoded();
+        return array.sliced(1, array.size() - 2);
+    };
+    const QByteArray first = link(1, "http://["), middle = link(3, ""), behindIt = link(4, "https://a b:c");
+    const QByteArray two = elementOf(app(2)), five = elementOf(widget(5, WidgetKind::ai));
+    const QByteArray stored = "\n[ " + first + ",\n" + two + ", " + middle + ',' + behindIt + ", " + five + " ]\n";
+    auto [store, corrupt] = LauncherStore::decode(stored);
+    EXPECT_EQ(corrupt, std::nullopt);
+    EXPECT_THAT(numbers(store.items()), ElementsAre(2, 5));
+    EXPECT_EQ(store.unreadableCount(), 3);
+    const auto expect = [&](const QByteArrayList& elements) {
+        EXPECT_EQ(store.encoded(), '[' + elements.join(',') + ']');
+        EXPECT_EQ(LauncherStore::decode(store.encoded()).store.encoded(), store.encoded());
+    };
+    expect({ first, two, middle, behindIt, five });
+    store.move(id(2), 1, ids({ 2, 5 }));
+    expect({ first, five, two, middle, behindIt });
+    store.remove(id(2));
+    expect({ first, five, middle, behindIt });
+
+    QByteArrayList many(1000, middle);
+    many.append(two);
+    many.append(two); // one id twice
+    many.append(middle);
+    const LauncherStore bounded = LauncherStore::decode('[' + many.join(',') + ']').store;
+    EXPECT_EQ(bounded.unreadableCount(), LauncherStore::maxItems);
+    EXPECT_EQ(LauncherStore::decode(bounded.encoded()).store, bounded);
 }
 
 TEST(LauncherStorage, whatBreaksTheLimitsIsDropped)
