@@ -2,6 +2,8 @@
 
 #include <QMetaObject>
 #include <algorithm>
+#include <functional>
+#include <numeric>
 
 namespace kestro {
 
@@ -97,6 +99,28 @@ xcb_timestamp_t X11Connection::serverTime()
 }
 
 void X11Connection::flush() { xcb_flush(raw()); }
+
+void X11Connection::selectEvents(xcb_window_t window, uint32_t events)
+{
+    m_selections[window].append(events);
+    applySelections(window);
+}
+
+void X11Connection::deselectEvents(xcb_window_t window, uint32_t events)
+{
+    m_selections[window].removeOne(events);
+    applySelections(window);
+}
+
+void X11Connection::applySelections(xcb_window_t window)
+{
+    const QList<uint32_t> selected = m_selections.value(window);
+    if (selected.isEmpty())
+        m_selections.remove(window);
+    const uint32_t mask = std::accumulate(selected.begin(), selected.end(), uint32_t(0), std::bit_or<>());
+    xcb_change_window_attributes(raw(), window, XCB_CW_EVENT_MASK, &mask);
+    flush();
+}
 
 void X11Connection::onEvent(uint8_t type, QObject* context, Handler handler)
 {

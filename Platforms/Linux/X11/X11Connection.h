@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QHash>
+#include <QList>
 #include <QObject>
 #include <QPointer>
 #include <QSocketNotifier>
@@ -67,6 +68,11 @@ public:
     /// The server's time now, asked of it.
     xcb_timestamp_t serverTime();
 
+    /// Adds events of a window to those that are selected already; a client has one mask a window, which a plain
+    /// request overwrites. Held by an X11EventSelection, which takes them back.
+    void selectEvents(xcb_window_t window, uint32_t events);
+    void deselectEvents(xcb_window_t window, uint32_t events);
+
     /// Calls `handler` for each event of that number for as long as `context` lives.
     void onEvent(uint8_t type, QObject* context, Handler handler);
     /// The same for the events of the extensions that number them themselves.
@@ -82,6 +88,7 @@ private:
         Handler handler;
     };
 
+    void applySelections(xcb_window_t window);
     void collectQueued();
     void drain();
     XcbOwned<xcb_generic_event_t> nextEvent();
@@ -93,6 +100,7 @@ private:
     std::unique_ptr<QSocketNotifier> m_notifier;
     QHash<QByteArray, xcb_atom_t> m_atoms;
     xcb_window_t m_clock = XCB_NONE; ///< where a change of a property tells the time
+    QHash<xcb_window_t, QList<uint32_t>> m_selections; ///< masks by window
     std::deque<XcbOwned<xcb_generic_event_t>> m_queued;
     std::list<Registration> m_handlers; // a list: handlers are added while one runs
     bool m_drainPosted = false;

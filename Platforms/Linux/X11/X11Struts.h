@@ -1,18 +1,18 @@
 #pragma once
 
+#include "Platforms/Linux/X11/X11ClientList.h"
 #include "Platforms/Linux/X11/X11Geometry.h"
+#include "Platforms/Linux/X11/X11PropertyWatch.h"
 
 #include <QList>
 #include <QObject>
-#include <QSet>
 #include <QSize>
-#include <xcb/xproto.h>
+#include <map>
+#include <memory>
 
 namespace kestro {
 
-class X11Connection;
-
-/// What the desktop's panels reserve, kept true by the window manager's and the panels' own announcements.
+/// The space that the desktop's panels reserve, kept up to date by the properties of the root and of the panels.
 class X11Struts : public QObject {
     Q_OBJECT
 public:
@@ -29,15 +29,17 @@ Q_SIGNALS:
     void changed();
 
 private:
-    void propertyChanged(xcb_window_t window, xcb_atom_t atom);
+    using Watches = std::map<xcb_window_t, std::unique_ptr<X11PropertyWatch>>;
+
     void refresh();
-    QList<xcb_window_t> clients();
 
     X11Connection& m_connection;
     QList<x11::Strut> m_struts;
-    QSet<xcb_window_t> m_reserving; // the windows that are listened to
     QSize m_desktop;
     bool m_refreshPosted = false;
+    X11ClientList m_clients;
+    X11PropertyWatch m_workArea;
+    Watches m_panels; ///< the windows with a strut
 };
 
 } // namespace kestro

@@ -47,6 +47,7 @@ void X11Tray::show(std::function<QImage(int)> icon, QList<MenuEntry>)
         paint();
         return;
     }
+    m_managers = X11EventSelection(m_connection, m_connection.root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     listen();
     dock();
 }
@@ -54,6 +55,7 @@ void X11Tray::show(std::function<QImage(int)> icon, QList<MenuEntry>)
 void X11Tray::hide()
 {
     m_icon = nullptr;
+    m_managers.reset();
     undock();
 }
 
@@ -61,12 +63,6 @@ void X11Tray::listen()
 {
     if (std::exchange(m_listening, true))
         return;
-    // A panel that comes tells the root's listeners. The mask is the whole connection's: what is in it stays.
-    const auto root = m_connection.reply(
-        xcb_get_window_attributes_reply, xcb_get_window_attributes(m_connection.raw(), m_connection.root()));
-    const uint32_t mask = (root ? root->your_event_mask : 0) | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-    xcb_change_window_attributes(m_connection.raw(), m_connection.root(), XCB_CW_EVENT_MASK, &mask);
-
     m_connection.onEvent(XCB_CLIENT_MESSAGE, this, [this](const xcb_generic_event_t& event) {
         const auto& message = reinterpret_cast<const xcb_client_message_event_t&>(event);
         if (message.type == m_connection.atom("MANAGER")

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "Kestro/Platform/StatusItem.h"
-
-#include <xcb/xproto.h>
+#include "Platforms/Linux/X11/X11EventSelection.h"
 
 namespace kestro {
 
@@ -44,6 +43,7 @@ private:
     const X11Screens& m_screens;
     std::function<QImage(int)> m_icon; // none while hidden
     bool m_listening = false;
+    X11EventSelection m_managers; ///< while shown: a panel that starts announces itself on the root
     xcb_window_t m_tray = XCB_NONE; // the panel's
     xcb_window_t m_window = XCB_NONE;
     xcb_colormap_t m_colours = XCB_NONE;

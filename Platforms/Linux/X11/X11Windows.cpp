@@ -1,5 +1,6 @@
 #include "Platforms/Linux/X11/X11Windows.h"
 
+#include "Platforms/Linux/X11/X11ClientList.h"
 #include "Platforms/Linux/X11/X11Connection.h"
 #include "Platforms/Linux/X11/X11Focus.h"
 
@@ -12,11 +13,10 @@ namespace kestro {
 
 namespace {
 
-constexpr uint32_t longestList = 16'384; // in 32-bit units, as the server counts what is asked for
-constexpr uint32_t longestTitle = 1024;
+constexpr uint32_t longestTitle = 1024; // in units of four bytes
 constexpr quint32 onAllDesktops = 0xFFFFFFFF;
-constexpr qint64 longestSwitch = 2000; // milliseconds; after that the user has gone on
-constexpr quint32 fromPager = 2; // what the user asked for elsewhere than in the window: not to be refused
+constexpr qint64 longestSwitch = 2000; // milliseconds; a later change of desktop is another one
+constexpr quint32 fromPager = 2; // the source of a request that focus stealing prevention lets pass
 
 using Property = XcbOwned<xcb_get_property_reply_t>;
 
@@ -56,47 +56,25 @@ QByteArray textIn(const Property& property)
 X11Windows::X11Windows(X11Connection& connection)
     : m_connection(connection)
 {
-    // The root tells of its properties already: X11Screens listens to them.
-    m_connection.onEvent(XCB_PROPERTY_NOTIFY, &m_context, [this](const xcb_generic_event_t& event) {
-        const auto& notice = reinterpret_cast<const xcb_property_notify_event_t&>(event);
-        if (notice.window == m_connection.root() && notice.atom == m_connection.atom("_NET_CURRENT_DESKTOP"))
-            desktopChanged();
-    });
 }
 
-// A window manager that has just gone to a desktop may give the focus to who had it there last, whoever was asked for
-// meanwhile.
+// A window manager that has just switched desktops may give the focus to the window that had it there last, whichever
+// window it was asked to activate meanwhile.
 void X11Windows::desktopChanged()
 {
     if (m_awaited && m_awaited->until.hasExpired())
         m_awaited.reset();
-    if (!m_awaited)
+    if (!m_awaited) {
+        m_desktop.reset();
         return;
+    }
     const auto shown = ask(m_connection, m_connection.root(), "_NET_CURRENT_DESKTOP", XCB_ATOM_CARDINAL);
     if (numberIn(answer(m_connection, shown)) != m_awaited->desktop)
-        return; // an earlier change, which is told only now
+        return; // the notice of an earlier change
     const auto awaited = std::exchange(m_awaited, std::nullopt);
     askManager(awaited->window, "_NET_ACTIVE_WINDOW", { fromPager, m_connection.serverTime(), XCB_NONE });
+    m_desktop.reset();
     m_connection.flush();
-}
-
-// The topmost first. One window manager tells the order only once there are two windows, and not always of the newest.
-std::vector<xcb_window_t> X11Windows::clients() const
-{
-    const auto ordered =
-        ask(m_connection, m_connection.root(), "_NET_CLIENT_LIST_STACKING", XCB_ATOM_WINDOW, longestList);
-    const auto listed = ask(m_connection, m_connection.root(), "_NET_CLIENT_LIST", XCB_ATOM_WINDOW, longestList);
-    const auto stacking = answer(m_connection, ordered);
-    const auto ages = answer(m_connection, listed);
-
-    const auto windows = numbersIn(stacking);
-    std::vector<xcb_window_t> result(windows.begin(), windows.end());
-    for (const xcb_window_t window : numbersIn(ages)) {
-        if (std::ranges::find(windows, window) == windows.end())
-            result.push_back(window);
-    }
-    std::ranges::reverse(result);
-    return result;
 }
 
 std::vector<DesktopWindow> X11Windows::all() const
@@ -110,7 +88,7 @@ std::vector<DesktopWindow> X11Windows::all() const
     // All questions first, then all answers: one round trip however many windows there are.
     const xcb_atom_t utf8 = m_connection.atom("UTF8_STRING");
     std::vector<Asked> asked;
-    for (const xcb_window_t window : clients()) {
+    for (const xcb_window_t window : X11ClientList::read(m_connection)) {
         asked.push_back({ window, ask(m_connection, window, "_NET_WM_PID", XCB_ATOM_CARDINAL),
             ask(m_connection, window, "_NET_WM_NAME", utf8, longestTitle),
             ask(m_connection, window, "WM_NAME", XCB_ATOM_ANY, longestTitle) });
@@ -122,7 +100,7 @@ std::vector<DesktopWindow> X11Windows::all() const
         const auto title = answer(m_connection, question.title);
         const auto oldTitle = answer(m_connection, question.oldTitle);
         if (!pid)
-            continue; // it went while it was asked
+            continue; // destroyed meanwhile
         const bool isLatin = oldTitle && oldTitle->type == XCB_ATOM_STRING;
         QString text = QString::fromUtf8(textIn(title));
         if (text.isEmpty())
@@ -134,12 +112,13 @@ std::vector<DesktopWindow> X11Windows::all() const
 
 quint32 X11Windows::active() const { return x11::activeWindow(m_connection); }
 
-// The desktop by itself and first: some window managers bring the window to the user's desktop instead.
+// The switch of desktops is a request of its own, before the other: some window managers bring the window to the user's
+// desktop instead.
 bool X11Windows::raise(quint32 id)
 {
     const auto desktopOf = ask(m_connection, id, "_NET_WM_DESKTOP", XCB_ATOM_CARDINAL);
     const auto shown = ask(m_connection, m_connection.root(), "_NET_CURRENT_DESKTOP", XCB_ATOM_CARDINAL);
-    const auto windows = clients();
+    const auto windows = X11ClientList::read(m_connection);
     const auto desktopAnswer = answer(m_connection, desktopOf);
     const auto current = numberIn(answer(m_connection, shown));
     if (!desktopAnswer || std::ranges::find(windows, id) == windows.end())
@@ -147,6 +126,10 @@ bool X11Windows::raise(quint32 id)
     const auto desktop = numberIn(desktopAnswer);
     const xcb_timestamp_t time = m_connection.serverTime();
     const bool isElsewhere = desktop && current && *desktop != onAllDesktops && *desktop != *current;
+    if (isElsewhere && !m_desktop) {
+        m_desktop = std::make_unique<X11PropertyWatch>(m_connection, m_connection.root(),
+            std::initializer_list<const char*>{ "_NET_CURRENT_DESKTOP" }, [this] { desktopChanged(); });
+    }
     m_awaited = isElsewhere ? std::optional(Awaited{ id, *desktop, QDeadlineTimer(longestSwitch) }) : std::nullopt;
     if (isElsewhere)
         askManager(m_connection.root(), "_NET_CURRENT_DESKTOP", { *desktop, time });

@@ -1,16 +1,14 @@
 #pragma once
 
 #include "Kestro/Platform/DesktopWindows.h"
+#include "Platforms/Linux/X11/X11PropertyWatch.h"
 
 #include <QDeadlineTimer>
-#include <QObject>
+#include <memory>
 #include <optional>
 #include <vector>
-#include <xcb/xproto.h>
 
 namespace kestro {
-
-class X11Connection;
 
 /// The windows of an EWMH window manager.
 class X11Windows final : public DesktopWindows {
@@ -23,19 +21,19 @@ public:
     bool raise(quint32 id) override;
 
 private:
-    std::vector<xcb_window_t> clients() const;
     void askManager(xcb_window_t window, const char* what, const std::vector<quint32>& numbers);
-
     void desktopChanged();
 
-    X11Connection& m_connection;
-    QObject m_context; ///< of what listens to the connection
+    /// A window on another desktop that was raised; it is raised again when its desktop shows.
     struct Awaited {
         xcb_window_t window;
         quint32 desktop;
         QDeadlineTimer until;
     };
-    std::optional<Awaited> m_awaited; ///< to be asked for again once its desktop shows
+
+    X11Connection& m_connection;
+    std::optional<Awaited> m_awaited;
+    std::unique_ptr<X11PropertyWatch> m_desktop; ///< while a window is awaited
 };
 
 } // namespace kestro

@@ -1,4 +1,5 @@
 #include "Platforms/Linux/X11/X11Windows.h"
+#include "Platforms/Linux/X11/X11ClientList.h"
 #include "X11Desktop.h"
 
 #include <gmock/gmock.h>
@@ -53,8 +54,65 @@ protected:
         EXPECT_TRUE(focus && focus->focus == window);
     }
 
+    /// What this connection has selected on the root.
+    uint32_t rootEvents()
+    {
+        const auto root = connection.reply(
+            xcb_get_window_attributes_reply, xcb_get_window_attributes(connection.raw(), connection.root()));
+        return root ? root->your_event_mask : 0;
+    }
+
     X11Windows windows{ connection };
 };
+
+TEST_F(X11WindowsTest, SelectionsOfEventsAddUp)
+{
+    const uint32_t before = rootEvents();
+    const uint32_t structure = XCB_EVENT_MASK_STRUCTURE_NOTIFY, substructure = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    X11EventSelection first(connection, connection.root(), structure);
+    X11EventSelection second(connection, connection.root(), structure | substructure);
+    EXPECT_EQ(rootEvents(), before | structure | substructure);
+    second = X11EventSelection(connection, connection.root(), substructure);
+    EXPECT_EQ(rootEvents(), before | structure | substructure);
+    first.reset();
+    EXPECT_EQ(rootEvents(), before | substructure);
+    {
+        const X11EventSelection moved(std::move(second));
+        EXPECT_EQ(rootEvents(), before | substructure);
+    }
+    EXPECT_EQ(rootEvents(), before);
+
+    X11Connection idle;
+    const X11Windows reader(idle);
+    static_cast<void>(reader.all());
+    const auto root = idle.reply(xcb_get_window_attributes_reply, xcb_get_window_attributes(idle.raw(), idle.root()));
+    EXPECT_EQ(root->your_event_mask, 0U) << "nothing is followed";
+}
+
+TEST_F(X11WindowsTest, AreFollowedWithTheirOrderAndTheActiveOne)
+{
+    X11ClientList clients(connection);
+    int changed = 0, activeChanged = 0;
+    QObject::connect(&clients, &X11ClientList::changed, &clients, [&] { ++changed; });
+    QObject::connect(&clients, &X11ClientList::activeChanged, &clients, [&] { ++activeChanged; });
+    const auto first = open(100), second = open(200), third = open(300);
+    const auto expect = [&](const std::vector<xcb_window_t>& stacking, xcb_window_t active) {
+        EXPECT_TRUE(waitFor([&] { return clients.stacking() == stacking && clients.active() == active; }));
+        EXPECT_TRUE(std::exchange(changed, 0) > 0 && std::exchange(activeChanged, 0) > 0);
+    };
+    expect({ third, second, first }, third);
+    EXPECT_TRUE(windows.raise(first));
+    expect({ first, third, second }, first);
+
+    // A window manager that tells no order.
+    peer.setProperty(connection.root(), "_NET_CLIENT_LIST_STACKING", XCB_ATOM_WINDOW, {});
+    peer.sync();
+    EXPECT_THAT(X11ClientList::read(connection), ElementsAre(first, third, second));
+    EXPECT_TRUE(windows.raise(second));
+    expect({ second, first, third }, second);
+    peer.close(second);
+    EXPECT_TRUE(waitFor([&] { return clients.stacking() == std::vector{ first, third }; }));
+}
 
 TEST_F(X11WindowsTest, AreListedFromTheTopDown)
 {
