@@ -23,13 +23,17 @@ class KeyboardGrabs {
 public:
     virtual ~KeyboardGrabs() = default;
 
-    /// While it is held every key reaches `pressed` and nobody else: not the focused window, and not who registered
-    /// the combination. Modifiers alone, repeats and keys without a code are not told. Null where another program
-    /// holds the keyboard. `left` is called when the focus goes to another window, which gets no keys while the hold
-    /// lasts: time to end it. The hold may be destroyed from inside either; it ends with the process, however that
-    /// ends.
-    [[nodiscard]] virtual std::unique_ptr<KeyboardHold> hold(
-        std::function<void(const KeyPress&)> pressed, std::function<void()> left) = 0;
+    /// While it is held every key reaches `pressed` and nothing else: neither the focused window nor a program that
+    /// registered the combination. Modifiers alone, repeats and keys without a code are not told. `left` is called when
+    /// the focus goes to another window, which gets no keys while the hold lasts: time to end it.
+    ///
+    /// Where another program holds the keyboard: null without `refused`. With it the hold begins as soon as the
+    /// keyboard is free, or `refused` is called, within a tenth of a second; a hold that has not begun can be destroyed
+    /// like any other. Null even so where there is no keyboard, or a hold already.
+    ///
+    /// The hold may be destroyed from inside each callback; it ends with the process, however that ends.
+    [[nodiscard]] virtual std::unique_ptr<KeyboardHold> hold(std::function<void(const KeyPress&)> pressed,
+        std::function<void()> left, std::function<void()> refused = {}) = 0;
 };
 
 } // namespace kestro

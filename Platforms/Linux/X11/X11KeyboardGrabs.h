@@ -15,9 +15,9 @@ public:
     /// `connection` outlives it, and it outlives its holds.
     explicit X11KeyboardGrabs(X11Connection& connection);
 
-    /// Null for a second hold too.
-    std::unique_ptr<KeyboardHold> hold(
-        std::function<void(const KeyPress&)> pressed, std::function<void()> left) override;
+    /// Null for a second hold too. Tries again for 50 ms.
+    std::unique_ptr<KeyboardHold> hold(std::function<void(const KeyPress&)> pressed, std::function<void()> left,
+        std::function<void()> refused = {}) override;
 
 private:
     class Grab;

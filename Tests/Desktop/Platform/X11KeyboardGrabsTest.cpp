@@ -101,10 +101,33 @@ TEST_F(X11KeyboardGrabsTest, AreRefusedWhileAnotherProgramHoldsIt)
 {
     ASSERT_TRUE(peerHoldsKeyboard());
     EXPECT_FALSE(hold());
+    int refused = 0;
+    const auto waiting = [&] { return keyboard.hold([](const KeyPress&) {}, [] {}, [&] { ++refused; }); };
+    auto held = waiting();
+    ASSERT_TRUE(held);
+    EXPECT_FALSE(waiting()) << "there is one already";
+    EXPECT_EQ(refused, 0) << "not from inside the call";
+    EXPECT_TRUE(waitFor([&] { return refused == 1; }));
+    held = nullptr;
+
+    held = waiting();
+    held.reset(); // before it begins
+    held = waiting();
+    xcb_ungrab_keyboard(peer.raw, XCB_CURRENT_TIME);
+    peer.sync();
+    EXPECT_TRUE(waitFor([&] {
+        const bool peerHas = peerHoldsKeyboard();
+        if (peerHas) // until the next try
+            xcb_ungrab_keyboard(peer.raw, XCB_CURRENT_TIME);
+        peer.sync();
+        return !peerHas;
+    })) << "the keyboard was free";
+    EXPECT_EQ(refused, 1);
+    held.reset();
+    EXPECT_TRUE(peerHoldsKeyboard()) << "given back at once";
     xcb_ungrab_keyboard(peer.raw, XCB_CURRENT_TIME);
     peer.sync();
     EXPECT_TRUE(hold());
-    EXPECT_TRUE(peerHoldsKeyboard()) << "given back at once";
 }
 
 TEST_F(X11KeyboardGrabsTest, EndWithTheProcessHoweverItEnds)
