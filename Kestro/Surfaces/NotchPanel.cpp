@@ -54,10 +54,22 @@ void NotchPanel::drawNow()
 
 void NotchPanel::orderFront()
 {
+    m_orderOutWork.cancel();
+    if (isVisible())
+        return;
     show();
     raise();
 }
 
-void NotchPanel::orderOut() { hide(); }
+void NotchPanel::orderOut()
+{
+    m_orderOutWork.cancel();
+    hide();
+}
+
+void NotchPanel::orderOutAfter(MainLoop& loop, double seconds)
+{
+    m_orderOutWork = loop.after(seconds, [this] { hide(); });
+}
 
 } // namespace kestro

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Kestro/Platform/MainLoop.h"
+
 #include <QQuickWindow>
 #include <QRegion>
 
@@ -32,8 +34,11 @@ public:
     /// Draws what has changed within the call rather than on a later turn.
     void drawNow();
 
+    /// Shows the window above the others; one that shows already keeps its place.
     void orderFront();
     void orderOut();
+    /// Hides the window once its content has faded, unless it is ordered front before that.
+    void orderOutAfter(MainLoop& loop, double seconds);
 
 private:
     void applyShape();
@@ -43,6 +48,7 @@ private:
     QRectF m_frame;
     QRegion m_shape;
     bool m_ignoresMouseEvents = false;
+    WorkItem m_orderOutWork;
 };
 
 } // namespace kestro

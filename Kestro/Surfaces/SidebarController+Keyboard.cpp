@@ -11,7 +11,7 @@ namespace kestro {
 
 namespace {
 
-/// Where a key leads, and which way to go on if that is a divider.
+/// The row that a key leads to, and the direction in which to go on from a divider.
 struct Step {
     int row;
     int by;
@@ -39,30 +39,24 @@ std::optional<Step> stepFor(const QKeyEvent& event, int row, int count)
 
 } // namespace
 
-/// The row of that widget, else the first; -1 where there is none.
-int SidebarController::rowOf(std::optional<WidgetKind> kind) const
+/// The row of the card's widget, else the first; -1 in an empty dock.
+int SidebarController::rowOfShownWidget() const
 {
     if (!m_state.frame() || m_state.frame()->arrangement.items.isEmpty())
         return -1;
-    const QList<LaunchItem>& items = m_state.frame()->arrangement.items;
-    const auto found =
-        std::find_if(items.begin(), items.end(), [&](const LaunchItem& item) { return kind && item.widget() == kind; });
-    return found == items.end() ? 0 : int(found - items.begin());
+    const auto kind = m_model.shownWidget();
+    return kind ? std::max(0, int(m_state.frame()->arrangement.rowOf(*kind))) : 0;
 }
 
-void SidebarController::takeKeyboard(std::optional<WidgetKind> kind)
+void SidebarController::takeKeyboard()
 {
-    m_hasKeyboard = true;
-    m_state.setFocusedRow(rowOf(kind));
-    // This answers the key; the card's window takes its time to be made.
+    m_state.setFocusedRow(rowOfShownWidget());
     m_strip.drawNow();
     m_platform.panels.takeFocus(m_strip);
 }
 
 void SidebarController::releaseKeyboard()
 {
-    if (!std::exchange(m_hasKeyboard, false))
-        return;
     m_state.setFocusedRow(-1);
     m_platform.panels.returnFocus(m_strip);
 }
@@ -72,7 +66,7 @@ void SidebarController::focusRow(int row)
     if (row == m_state.focusedRow())
         return;
     m_state.setFocusedRow(row);
-    hoverItem(row); // what the pointer shows, the keyboard shows
+    hoverItem(row); // a focused item shows its card or its name, as a hovered one does
 }
 
 bool SidebarController::keyPressed(const QKeyEvent& event)
@@ -116,10 +110,10 @@ void SidebarController::run(WindowCommand command)
 {
     switch (command) {
     case WindowCommand::close:
-        closeCard();
+        become(m_behavior.closed());
         break;
     case WindowCommand::openSettings:
-        closeCard();
+        become(m_behavior.closed());
         m_model.host().openSettings();
         break;
     case WindowCommand::quit:
@@ -133,7 +127,7 @@ void SidebarController::openRow(int row)
     const bool staysOpen = m_state.items()->item(row).widget().has_value();
     clickItem(row);
     if (!staysOpen)
-        closeCard();
+        become(m_behavior.closed());
 }
 
 } // namespace kestro

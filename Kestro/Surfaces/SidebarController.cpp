@@ -37,24 +37,23 @@ SidebarController::SidebarController(AppModel& model, QQmlEngine& engine)
     m_card.host().onMouse = [this] { mouseMoved(); };
     m_stripHost.onKey = [this](const QKeyEvent& event) { return keyPressed(event); };
     connect(&m_strip, &QWindow::activeChanged, this, [this] {
-        // Without the keyboard nothing is marked as having it; what was opened stays.
-        if (m_hasKeyboard && !m_menu)
-            m_state.setFocusedRow(m_strip.isActive() ? rowOf(m_model.shownWidget()) : -1);
+        // While another window has the focus no item is marked; the card stays open.
+        if (m_behavior.hasKeyboard && !m_menu)
+            m_state.setFocusedRow(m_strip.isActive() ? rowOfShownWidget() : -1);
     });
 
     connect(&m_platform.screens, &Screens::changed, this, &SidebarController::layout);
     connect(&m_platform.preferences, &PreferenceStore::changed, this, [this] { reloadPrefs(false); });
     connect(&m_platform.appearance, &Appearance::changed, this, [this] {
         reloadPrefs(false);
-        layoutSoon(); // the card grows with the desktop's writing
+        refreshSoon(); // the card's size follows the desktop's text size
     });
-    connect(&m_model, &AppModel::changed, this, &SidebarController::layoutSoon);
-    connect(&m_model, &AppModel::tilesChanged, m_state.items(), &DockItemsModel::refresh);
-    connect(&m_model, &AppModel::widgetSelected, this, [this] {
-        if (!m_active)
-            return;
-        m_model.setExpanded(true);
-        layoutSoon();
+    connect(&m_model, &AppModel::changed, this, &SidebarController::refreshSoon);
+    connect(&m_model, &AppModel::tilesChanged, &m_state, &SidebarState::refreshItems);
+    connect(&m_model, &AppModel::widgetSelected, this, [this] { become(m_behavior.widgetSelected()); });
+    connect(&m_model.surface(), &SurfaceState::expandedChanged, this, [this] {
+        if (!m_model.expanded())
+            become(m_behavior.cardClosed());
     });
 }
 
@@ -63,18 +62,19 @@ SidebarController::~SidebarController() = default;
 void SidebarController::setActive(bool active)
 {
     m_active = active;
-    m_hideWork.cancel();
     if (active) {
         reloadPrefs(true);
         return;
     }
+    m_state.setRevealed(false, false);
+    become({});
     m_watch.reset();
     m_lastPoint.reset();
-    m_model.setDockVisible(false);
+    m_pointer.reset();
     m_toolTip.hide();
-    releaseKeyboard();
     m_card.orderOut();
     m_strip.orderOut();
+    m_model.setDockVisible(false);
 }
 
 std::optional<Screen> SidebarController::screen() const
@@ -87,54 +87,117 @@ std::optional<Screen> SidebarController::screen() const
     return screens.isEmpty() ? std::nullopt : std::optional(screens.first());
 }
 
-void SidebarController::layoutSoon()
+void SidebarController::become(const DockBehavior& next)
 {
-    // Every change asks for a layout; one a turn is enough for all of them.
-    if (!m_layoutWork)
-        m_layoutWork = m_platform.loop.after(0, [this] { layout(); });
+    const DockBehavior before = std::exchange(m_behavior, next);
+    if (before == next)
+        return;
+    if (!next.runsHideTimer())
+        m_hideTimer.cancel();
+    else if (!m_hideTimer)
+        m_hideTimer = m_platform.loop.after(hideDelay, [this] { become(m_behavior.hideTimerFired()); });
+    if (before.cardOpen && !next.cardOpen)
+        m_toolTip.hide();
+    if (before.hasKeyboard && !next.hasKeyboard)
+        releaseKeyboard();
+    if (before.presence != next.presence)
+        showOrHide(before);
+    if (!before.hasKeyboard && next.hasKeyboard) {
+        // The strip answers the key at once: the card's window takes its time to be made.
+        placeDockFrame();
+        placeStrip();
+        takeKeyboard();
+    }
+    m_model.setExpanded(next.cardOpen);
+    layout();
+}
+
+void SidebarController::showOrHide(const DockBehavior& before)
+{
+    const bool shown = m_behavior.presence != DockPresence::hidden;
+    m_state.setRevealed(shown, true);
+    if (shown || before.presence == DockPresence::hidden)
+        return;
+    m_toolTip.hide();
+    m_strip.setIgnoresMouseEvents(true);
+    const double fade = m_platform.appearance.look().reduceMotion ? 0 : fadeTime;
+    m_strip.orderOutAfter(m_platform.loop, fade);
+}
+
+bool SidebarController::itemsChanged() const
+{
+    if (!m_state.frame())
+        return true;
+    const DockArrangement& placed = m_state.frame()->arrangement;
+    const QList<LaunchItem> items = m_model.visibleItems();
+    return items != placed.items || dockSizes(items) != placed.sizes;
+}
+
+void SidebarController::refreshSoon()
+{
+    // One turn of the loop brings many changes.
+    if (!m_refreshWork)
+        m_refreshWork = m_platform.loop.after(0, [this] { refresh(); });
+}
+
+void SidebarController::refresh()
+{
+    if (!m_active)
+        return;
+    if (itemsChanged()) {
+        layout();
+        return;
+    }
+    placeCard();
 }
 
 void SidebarController::layout()
 {
-    m_layoutWork.cancel();
+    if (!m_active || !screen())
+        return;
+    placeDockFrame();
+    placeStrip();
+    m_model.setDockVisible(m_behavior.showsIcons());
+    placeCard();
+    watchPointer();
+}
+
+void SidebarController::placeDockFrame()
+{
     const auto on = screen();
     if (!m_active || !on)
         return;
     const QList<LaunchItem> items = m_model.visibleItems();
-    m_state.setFrame(
-        placeDock(items, dockSizes(items), m_state.prefs(), on->visibleFrame, { m_pointer, m_pillOpen, m_pillCenter }));
-    placeStrip();
-    m_model.setDockVisible(m_state.revealed() && !m_state.collapsed());
-    placeCard(on->visibleFrame);
-    watchPointer();
+    const bool pillOpen = m_behavior.presence == DockPresence::openPill;
+    m_state.setFrame(placeDock(items, dockSizes(items), m_state.prefs(), on->visibleFrame,
+        { m_pointer, pillOpen, m_behavior.pillCenter }));
 }
 
 void SidebarController::placeStrip()
 {
+    if (!m_state.frame())
+        return;
     const SidebarFrame& frame = *m_state.frame();
     m_strip.setFrame(frame.band);
     QRegion shape = m_state.outline().region(m_state.dockRect());
-    // While the icons swell their outline changes with every move of the pointer. A region that changed as often would
-    // race the clicks, so it only grows, until the pointer leaves; unless it cuts the window to what can be seen of it.
+    // Magnification changes the outline with every move of the pointer. A region that changed as often would race the
+    // clicks, so it only grows until the pointer leaves. Without a compositor the region also clips the window, and has
+    // to be exact.
     if (m_pointer && m_platform.panels.isComposited())
         shape += m_strip.paintedShape();
     m_strip.setPaintedShape(shape);
     m_strip.setIgnoresMouseEvents(!m_state.revealed());
-    if (m_state.revealed() && !m_strip.isVisible())
+    if (m_state.revealed())
         m_strip.orderFront();
 }
 
-void SidebarController::placeCard(const QRectF& visible)
+void SidebarController::placeCard()
 {
-    const SidebarFrame& frame = *m_state.frame();
+    const auto on = screen();
     const auto kind = m_model.shownWidget();
     qsizetype row = -1;
-    if (kind && m_state.revealed() && !frame.collapsed && m_model.expanded()) {
-        for (qsizetype i = 0; i < frame.arrangement.items.size(); ++i) {
-            if (frame.arrangement.items[i].widget() == kind)
-                row = i;
-        }
-    }
+    if (on && m_state.frame() && kind && m_behavior.showsCard())
+        row = m_state.frame()->arrangement.rowOf(*kind);
     if (row < 0) {
         m_card.orderOut();
         return;
@@ -142,7 +205,7 @@ void SidebarController::placeCard(const QRectF& visible)
     const SidebarEdge edge = m_state.prefs().edge;
     const Look look = m_platform.appearance.look();
     const QSizeF size(look.grown(cardWidth), m_model.cardBodyHeight(*kind) + look.grown(cardHeader) + cardPadding);
-    m_card.place(DockGeometry::cardFrame(size, frame.dock, frame.anchorOf(row, edge), edge, visible), edge);
+    m_card.place(m_state.frame()->cardRect(size, row, edge, on->visibleFrame), edge);
 }
 
 void SidebarController::mouseMoved()
@@ -153,27 +216,23 @@ void SidebarController::mouseMoved()
     const QPointF point = m_platform.pointer.location();
     const auto previous = std::exchange(m_lastPoint, point);
     track(point);
-
-    const SidebarFrame& frame = *m_state.frame();
-    const QRectF& bounds = on->info.frame;
-    const SidebarEdge edge = m_state.prefs().edge;
-    if (!m_state.revealed()) {
-        if (geometry::contains(DockGeometry::hotZone(bounds, edge, frame.dock), point)
-            || (previous && DockGeometry::crossesEdge(*previous, point, bounds, edge, frame.dock)))
-            setRevealed(true);
-        return;
-    }
-    m_pointerInside = DockGeometry::isInside(point, frame.dock, m_card.target(), bounds, edge);
-    if (m_pointerInside) {
-        m_openedByShortcut = false;
-        m_hideWork.cancel();
-        if (frame.collapsed)
-            openPill(edge == SidebarEdge::bottom ? point.x() : point.y());
-    } else if (m_model.expanded() || m_state.prefs().visibility == DockVisibility::autoHide || m_pillOpen) {
-        if (!m_openedByShortcut && !m_menu)
-            scheduleHide();
-    }
+    const double along = m_state.prefs().edge == SidebarEdge::bottom ? point.x() : point.y();
+    become(m_behavior.pointerMoved(zone(point, previous, *on), along));
     watchPointer();
+}
+
+DockZone SidebarController::zone(QPointF point, std::optional<QPointF> previous, const Screen& on) const
+{
+    const QRectF& dock = m_state.frame()->dock;
+    const QRectF& bounds = on.info.frame;
+    const SidebarEdge edge = m_state.prefs().edge;
+    if (m_behavior.presence != DockPresence::hidden) {
+        return DockGeometry::isInside(point, dock, m_card.target(), bounds, edge) ? DockZone::inside
+                                                                                  : DockZone::elsewhere;
+    }
+    const bool atEdge = geometry::contains(DockGeometry::hotZone(bounds, edge, dock), point)
+        || (previous && DockGeometry::crossesEdge(*previous, point, bounds, edge, dock));
+    return atEdge ? DockZone::edge : DockZone::elsewhere;
 }
 
 void SidebarController::track(QPointF point)
@@ -190,106 +249,44 @@ void SidebarController::track(QPointF point)
 
 void SidebarController::watchPointer()
 {
-    // At rest the strip's own window tells when the pointer enters it: nothing needs to hear of every motion.
-    const bool needed = m_active
-        && (m_pointerInside || m_pointer || m_model.expanded() || m_pillOpen
-            || m_state.prefs().visibility == DockVisibility::autoHide);
-    if (!needed)
+    // At rest the strip's own enter events suffice.
+    if (!m_active || !(m_pointer || m_behavior.watchesPointer()))
         m_watch.reset();
     else if (!m_watch)
         m_watch = m_platform.pointer.watch([this] { mouseMoved(); });
-}
-
-void SidebarController::setRevealed(bool revealed)
-{
-    if (m_state.revealed() == revealed)
-        return;
-    m_state.setRevealed(revealed, true);
-    m_orderOutWork.cancel();
-    if (revealed) {
-        layout();
-        return;
-    }
-    m_model.setExpanded(false);
-    m_card.orderOut();
-    m_strip.setIgnoresMouseEvents(true);
-    const double fade = m_platform.appearance.look().reduceMotion ? 0 : fadeTime;
-    m_orderOutWork = m_platform.loop.after(fade, [this] { m_strip.orderOut(); });
-}
-
-void SidebarController::scheduleHide()
-{
-    if (!m_hideWork)
-        m_hideWork = m_platform.loop.after(hideDelay, [this] { closeCard(); });
-}
-
-void SidebarController::closeCard()
-{
-    m_model.setExpanded(false);
-    m_card.orderOut();
-    m_toolTip.hide();
-    releaseKeyboard();
-    if (m_state.prefs().visibility == DockVisibility::autoHide)
-        setRevealed(false);
-    m_pillOpen = false;
-    layout();
 }
 
 void SidebarController::giveWay()
 {
     if (!m_active)
         return;
-    if (!m_state.frame() || !geometry::contains(m_state.frame()->dock, m_platform.pointer.location())) {
-        closeCard();
-        return;
-    }
     m_toolTip.hide();
-    m_model.setExpanded(false);
-    m_card.orderOut();
-    releaseKeyboard();
-    layout();
-}
-
-void SidebarController::openPill(std::optional<double> center)
-{
-    if (m_state.prefs().visibility != DockVisibility::pill || m_pillOpen)
-        return;
-    m_pillOpen = true;
-    m_pillCenter = center;
-    layout();
+    const bool onDock = m_state.frame() && geometry::contains(m_state.frame()->dock, m_platform.pointer.location());
+    become(m_behavior.gaveWay(onDock));
 }
 
 void SidebarController::toggle()
 {
     if (!m_active)
         return;
-    m_hideWork.cancel();
     const QList<WidgetKind> widgets = m_model.visibleWidgets();
-    const bool open = m_pillOpen || (m_state.prefs().visibility == DockVisibility::autoHide && m_state.revealed());
-    if (m_model.expanded() || (widgets.isEmpty() && open)) {
-        closeCard();
-    } else if (!widgets.isEmpty()) {
+    if (m_behavior.cardOpen || (widgets.isEmpty() && m_behavior.isOpen()))
+        become(m_behavior.closed());
+    else if (!widgets.isEmpty())
         show(widgets.first());
-    } else {
-        setRevealed(true);
-        openPill(std::nullopt);
-        m_openedByShortcut = true;
-        takeKeyboard(std::nullopt);
-    }
+    else
+        become(m_behavior.openedByShortcut(false));
 }
 
 void SidebarController::show(WidgetKind kind)
 {
     if (!m_active)
         return;
-    m_hideWork.cancel();
-    setRevealed(true);
-    openPill(std::nullopt);
-    m_openedByShortcut = true;
-    takeKeyboard(kind);
-    m_model.setExpanded(true);
+    const bool hadKeyboard = m_behavior.hasKeyboard;
     m_model.setSelectedWidget(kind);
-    layout();
+    become(m_behavior.openedByShortcut(true));
+    if (hadKeyboard)
+        takeKeyboard();
 }
 
 void SidebarController::reloadPrefs(bool force)
@@ -299,84 +296,16 @@ void SidebarController::reloadPrefs(bool force)
     const SidebarPrefs before = m_state.prefs();
     if (!m_active || (!force && prefs == before && monochrome == m_state.monochrome()))
         return;
-    m_hideWork.cancel();
-    if (prefs.visibility != before.visibility || prefs.edge != before.edge)
-        m_model.setExpanded(false);
     m_state.setPrefs(prefs, monochrome);
-    m_orderOutWork.cancel();
-    m_pillOpen = false;
     m_pointer.reset();
-    m_state.setRevealed(prefs.visibility != DockVisibility::autoHide, false);
-    if (!m_state.revealed()) {
+    const DockBehavior next = m_behavior.withPreferences(prefs.visibility, prefs.edge != before.edge);
+    // Elsewhere or in another shape the dock simply stands: only what the pointer does fades.
+    m_state.setRevealed(next.presence != DockPresence::hidden, false);
+    if (!m_state.revealed())
         m_strip.orderOut();
-        m_model.setExpanded(false);
-    }
+    become(next);
     layout();
-}
-
-QRectF SidebarController::dockOnScreen(int row) const
-{
-    const SidebarFrame& frame = *m_state.frame();
-    return DockGeometry::screenRect(frame.iconRect(row, m_state.prefs().edge), frame.band);
-}
-
-void SidebarController::hoverItem(int row)
-{
-    m_hoveredRow = row;
-    const LaunchItem item = m_state.items()->item(row);
-    if (const auto kind = item.widget()) {
-        m_toolTip.hide();
-        m_model.setSelectedWidget(*kind);
-        return;
-    }
-    if (item.isDivider() || !screen())
-        return;
-    // The text keeps clear of the whole strip, not of the icon alone.
-    QRectF icon = dockOnScreen(row);
-    const QRectF& dock = m_state.frame()->dock;
-    if (m_state.prefs().edge == SidebarEdge::bottom)
-        icon = { icon.x(), dock.y(), icon.width(), dock.height() };
-    else
-        icon = { dock.x(), icon.y(), dock.width(), icon.height() };
-    m_toolTip.showSoon(m_model.launcher().displayName(item), icon, m_state.prefs().edge, screen()->visibleFrame);
-}
-
-void SidebarController::leaveItem(int row)
-{
-    // The next icon may have been entered already.
-    if (row == m_hoveredRow)
-        m_toolTip.hide();
-}
-
-void SidebarController::clickItem(int row)
-{
-    m_toolTip.hide();
-    m_model.items().click(m_state.items()->item(row));
-}
-
-void SidebarController::openMenu(int row) { openMenuAt(row, m_platform.pointer.location()); }
-
-void SidebarController::openMenuAt(int row, QPointF point)
-{
-    const auto on = screen();
-    if (!on || m_menu)
-        return;
-    m_toolTip.hide();
-    m_hideWork.cancel();
-    const SidebarEdge edge = m_state.prefs().edge;
-    const auto beside = [dock = m_state.frame()->dock, bounds = on->visibleFrame, edge, point](QSizeF size) {
-        return DockGeometry::cardFrame(size, dock, edge == SidebarEdge::bottom ? point.x() : point.y(), edge, bounds);
-    };
-    m_menu = std::make_unique<ItemMenu>(m_engine, m_platform,
-        itemMenuEntries(m_model, m_state.items()->item(row), edge != SidebarEdge::bottom), beside,
-        [this] { menuEnded(); });
-}
-
-void SidebarController::menuEnded()
-{
-    // The menu is still on the stack: it goes on a later turn.
-    m_platform.loop.post([menu = std::shared_ptr<ItemMenu>(std::move(m_menu))] {});
-    mouseMoved();
+    m_state.refreshItems();
 }
 
 } // namespace kestro

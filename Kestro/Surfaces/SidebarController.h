@@ -9,6 +9,7 @@
 #include "Kestro/Surfaces/SidebarState.h"
 #include "Kestro/Surfaces/ToolTip.h"
 #include "Kestro/Surfaces/TrackingHostingView.h"
+#include "KestroCore/Layout/DockBehavior.h"
 
 #include <QObject>
 
@@ -21,8 +22,8 @@ class AppModel;
 enum class WindowCommand;
 struct Screen;
 
-/// The dock on a screen's edge: the strip with its icons and the card beside it; what the pointer does to them, when
-/// they show and when they hide. Main thread.
+/// Binds the dock's behaviour to its windows, the strip with its icons and the card beside it: tells the behaviour
+/// about pointer, keyboard, menus and timers, and makes the windows follow its state. Main thread.
 class SidebarController final : public QObject {
     Q_OBJECT
 public:
@@ -50,23 +51,28 @@ public:
 
 private:
     std::optional<Screen> screen() const;
+    /// Makes timers, windows and model follow `next`.
+    void become(const DockBehavior& next);
+    void showOrHide(const DockBehavior& before);
+    /// Whether the items or their sizes are others than those that are placed.
+    bool itemsChanged() const;
+    /// Once a turn of the loop: what the items look like and how tall the card is; a layout only for other items.
+    void refreshSoon();
+    void refresh();
     void layout();
-    void layoutSoon();
+    void placeDockFrame();
     void placeStrip();
-    void placeCard(const QRectF& visible);
+    void placeCard();
     void mouseMoved();
+    DockZone zone(QPointF point, std::optional<QPointF> previous, const Screen& on) const;
     void track(QPointF point);
     void watchPointer();
-    void setRevealed(bool revealed);
-    void scheduleHide();
-    void closeCard();
-    void openPill(std::optional<double> center);
     void reloadPrefs(bool force);
     void menuEnded();
 
     // The keyboard, while a shortcut opened the dock
-    int rowOf(std::optional<WidgetKind> kind) const;
-    void takeKeyboard(std::optional<WidgetKind> kind);
+    int rowOfShownWidget() const;
+    void takeKeyboard();
     void releaseKeyboard();
     bool keyPressed(const QKeyEvent& event);
     void run(WindowCommand command);
@@ -84,16 +90,11 @@ private:
     ToolTip m_toolTip;
     CardPanel m_card;
     std::unique_ptr<ItemMenu> m_menu; ///< there while it is open
-    int m_hoveredRow = -1;
+    DockBehavior m_behavior;
     bool m_active = false;
-    bool m_pointerInside = false;
-    bool m_pillOpen = false;
-    std::optional<double> m_pillCenter;
-    bool m_openedByShortcut = false;
-    bool m_hasKeyboard = false;
-    WorkItem m_hideWork;
-    WorkItem m_orderOutWork;
-    WorkItem m_layoutWork;
+    int m_hoveredRow = -1;
+    WorkItem m_hideTimer;
+    WorkItem m_refreshWork;
     std::unique_ptr<PointerWatch> m_watch;
     std::optional<QPointF> m_lastPoint;
     std::optional<double> m_pointer; ///< where along the strip the icons are magnified

@@ -2,13 +2,15 @@
 
 #include "KestroCore/Support/Geometry.h"
 
+#include <algorithm>
+
 namespace kestro {
 
 namespace {
 
 constexpr double capLength = 28;
 constexpr double lead = capLength - DockLayout::padding;
-constexpr double endRoom = 20; // what the dock leaves free of the screen's side, beside its flares
+constexpr double endRoom = 20; // kept free of the screen's side, beside the flares
 constexpr double bandRoom = 24; // beyond the swollen icons
 
 QRectF capOf(const QRectF& dock, SidebarEdge edge, double flare)
@@ -19,6 +21,12 @@ QRectF capOf(const QRectF& dock, SidebarEdge edge, double flare)
 }
 
 } // namespace
+
+qsizetype DockArrangement::rowOf(WidgetKind kind) const
+{
+    const auto found = std::ranges::find_if(items, [kind](const LaunchItem& item) { return item.widget() == kind; });
+    return found == items.end() ? -1 : found - items.begin();
+}
 
 QRectF SidebarFrame::iconRect(qsizetype index, SidebarEdge edge) const
 {
@@ -35,6 +43,11 @@ double SidebarFrame::anchorOf(qsizetype index, SidebarEdge edge) const
     return edge == SidebarEdge::bottom ? rest.x() + middle : geometry::maxY(rest) - middle;
 }
 
+QRectF SidebarFrame::cardRect(QSizeF size, qsizetype index, SidebarEdge edge, const QRectF& visible) const
+{
+    return DockGeometry::cardFrame(size, rest, anchorOf(index, edge), edge, visible);
+}
+
 SidebarFrame placeDock(const QList<LaunchItem>& items, const QList<DockItemSize>& sizes, const SidebarPrefs& prefs,
     const QRectF& visible, const DockMoment& moment)
 {
@@ -46,6 +59,7 @@ SidebarFrame placeDock(const QList<LaunchItem>& items, const QList<DockItemSize>
     const double available = side - 2 * (frame.inset + DockGeometry::detachedGap) - endRoom;
     DockArrangement& arrangement = frame.arrangement;
     arrangement.items = items;
+    arrangement.sizes = sizes;
     arrangement.iconSize = DockLayout::fittingIconSize(sizes, points(prefs.iconSize), available);
     arrangement.measure = DockLayout::layout(sizes, arrangement.iconSize, lead, std::nullopt, 1, std::nullopt);
     arrangement.layout = moment.pointer && prefs.maxScale > 1

@@ -11,14 +11,18 @@
 
 namespace kestro {
 
-/// What the icon views draw from.
+/// The items and their places along the strip.
 struct DockArrangement {
     QList<LaunchItem> items;
+    QList<DockItemSize> sizes; ///< one an item
     double iconSize = 0; ///< as fitted, in points
     DockLayout layout; ///< as drawn
     DockLayout measure; ///< at rest: no pointer, nothing magnified
 
     bool operator==(const DockArrangement&) const = default;
+
+    /// The widget's row, or -1.
+    qsizetype rowOf(WidgetKind kind) const;
 };
 
 /// One complete placement of the dock; rectangles are in screen coordinates.
@@ -37,9 +41,12 @@ struct SidebarFrame {
     QRectF iconRect(qsizetype index, SidebarEdge edge) const;
     /// Where along the edge the middle of an icon lies at rest, as a screen coordinate.
     double anchorOf(qsizetype index, SidebarEdge edge) const;
+    /// The card of the widget in row `index`. It keeps clear of the dock at its thickest, so that it stays where it
+    /// opened while the icons swell and shrink.
+    QRectF cardRect(QSizeF size, qsizetype index, SidebarEdge edge, const QRectF& visible) const;
 };
 
-/// What decides a placement beside the items and the preferences.
+/// The circumstances of a placement, beside the items and the preferences.
 struct DockMoment {
     std::optional<double> pointer{}; ///< where along the strip the pointer magnifies
     bool pillOpen = false;

@@ -18,11 +18,16 @@ void SidebarState::setPrefs(const SidebarPrefs& prefs, bool monochrome)
 
 void SidebarState::setFrame(const SidebarFrame& frame)
 {
-    if (m_frame != frame) {
-        m_frame = frame;
-        Q_EMIT frameChanged();
-    }
+    if (m_frame == frame)
+        return;
+    m_frame = frame;
+    Q_EMIT frameChanged();
     m_items.show(frame, m_prefs);
+}
+
+void SidebarState::refreshItems()
+{
+    m_items.refresh();
 }
 
 void SidebarState::setRevealed(bool revealed, bool fades)

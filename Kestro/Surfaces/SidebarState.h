@@ -5,7 +5,7 @@
 
 namespace kestro {
 
-/// What the strip's view draws: the placement and the preferences, in the strip window's coordinates. Main thread.
+/// The state of the strip's view: the placement and the preferences, in the strip window's coordinates. Main thread.
 class SidebarState final : public QObject {
     Q_OBJECT
     QML_ANONYMOUS
@@ -20,7 +20,7 @@ class SidebarState final : public QObject {
     Q_PROPERTY(QString tint READ tint NOTIFY prefsChanged)
     Q_PROPERTY(bool monochrome READ monochrome NOTIFY prefsChanged)
     Q_PROPERTY(bool revealed READ revealed NOTIFY revealedChanged)
-    /// Whether it comes and goes gently, as it does before the user's eyes; a new placement simply stands.
+    /// Whether a change of `revealed` fades; a new placement appears at once.
     Q_PROPERTY(bool fades READ fades NOTIFY revealedChanged)
     /// The item that the keyboard is on; -1 while the dock does not have the keyboard.
     Q_PROPERTY(int focusedRow READ focusedRow NOTIFY focusedRowChanged)
@@ -31,8 +31,9 @@ public:
     void setPrefs(const SidebarPrefs& prefs, bool monochrome);
 
     const std::optional<SidebarFrame>& frame() const { return m_frame; }
-    /// Publishes a placement; one that is drawn already changes nothing but what the items look like.
     void setFrame(const SidebarFrame& frame);
+    /// Looks up names, pictures, badges and figures again; the placement stays.
+    void refreshItems();
 
     bool revealed() const { return m_revealed; }
     bool fades() const { return m_fades; }

@@ -1,67 +1,10 @@
-#include "Kestro/Launch/AppDelegate.h"
-#include "Tests/App/ModelFixture.h"
-
-#include <QGuiApplication>
-#include <QSignalSpy>
+#include "Tests/App/SidebarFixture.h"
 
 namespace kestro {
 
 namespace {
 
-constexpr QPointF away{ 400, 540 };
-
-/// The dock on a screen of 1920 by 1080 with Stats and AI on it: its strip is 52 points thick.
-class SidebarControllerTest : public test::ModelFixture {
-protected:
-    void start(const QVariantMap& preferences = {})
-    {
-        platform.screens.setOne({ 1920, 1080 });
-        platform.pointer.at = away;
-        platform.preferences.values = preferences;
-        platform.preferences.values[QStringLiteral("agentsEnabled")] = true;
-        theme = std::make_unique<Theme>(platform.appearance);
-        engine = std::make_unique<QQmlEngine>();
-        theme->install(*engine);
-        model = std::make_unique<AppModel>(platform.ports(), Folders::under(home.path()));
-        sidebar = std::make_unique<SidebarController>(*model, *engine);
-        sidebar->setActive(true);
-        model->start();
-        platform.loop.turn();
-    }
-    ~SidebarControllerTest() override
-    {
-        sidebar.reset();
-        model.reset();
-    }
-    void set(const char* key, const QVariant& value)
-    {
-        platform.preferences.setValue(QString::fromLatin1(key), value);
-        platform.loop.turn();
-    }
-    /// As the strip's own window tells it: the pointer crossed its border.
-    void enter(QPointF point)
-    {
-        platform.pointer.moveTo(point);
-        QEnterEvent event(QPointF(1, 1), QPointF(1, 1), QPointF(1, 1));
-        QCoreApplication::sendEvent(&strip(), &event);
-        platform.loop.turn();
-    }
-    const SidebarFrame& frame() const { return *sidebar->state().frame(); }
-    QRegion painted() const { return sidebar->state().outline().region(sidebar->state().dockRect()); }
-    static QWindow* window(const char* title)
-    {
-        for (QWindow* each : QGuiApplication::allWindows()) {
-            if (each->title() == QLatin1String(title))
-                return each;
-        }
-        return nullptr;
-    }
-    QWindow& strip() const { return *platform.panels.adopted.first(); }
-
-    std::unique_ptr<Theme> theme;
-    std::unique_ptr<QQmlEngine> engine;
-    std::unique_ptr<SidebarController> sidebar;
-};
+using SidebarControllerTest = test::SidebarFixture;
 
 TEST_F(SidebarControllerTest, standsOnEachEdge)
 {
@@ -214,6 +157,46 @@ TEST_F(SidebarControllerTest, thePointerMagnifiesAndItsShapeOnlyGrowsUntilItLeav
     EXPECT_EQ(painted(), platform.panels.shapes.value(&strip()));
 }
 
+TEST_F(SidebarControllerTest, theCardStaysWhileTheIconsSwellAndShrink)
+{
+    for (const char* edge : { "right", "left", "bottom" }) {
+        SCOPED_TRACE(edge);
+        start(
+            { { QStringLiteral("dockMagnification"), true }, { QStringLiteral("sidebarEdge"), QLatin1String(edge) } });
+        enter(frame().dock.center());
+        sidebar->hoverItem(1);
+        platform.loop.turn();
+        const QRect card = window("Kestro Card")->geometry();
+        EXPECT_FALSE(frame().dock.intersects(platform.screens.fromWindowSystem(card.adjusted(24, 24, -24, -24))));
+        platform.pointer.moveTo(platform.screens.fromWindowSystem(card).center());
+        platform.loop.advance(1);
+        EXPECT_EQ(frame().arrangement.layout, frame().arrangement.measure) << "nothing swells";
+        EXPECT_EQ(card, window("Kestro Card")->geometry());
+        EXPECT_TRUE(sidebar->cardShown());
+        sidebar.reset();
+        model.reset();
+    }
+}
+
+TEST_F(SidebarControllerTest, switchedOffItLeavesNothingBehind)
+{
+    start();
+    sidebar->toggle();
+    platform.loop.turn();
+    ASSERT_TRUE(sidebar->cardShown());
+    sidebar->setActive(false);
+    platform.loop.turn();
+    EXPECT_FALSE(sidebar->cardShown());
+    EXPECT_FALSE(strip().isVisible());
+    EXPECT_FALSE(model->expanded());
+    EXPECT_EQ(nullptr, platform.panels.focused);
+    EXPECT_EQ(0, platform.pointer.watches());
+    sidebar->show(WidgetKind::ai);
+    EXPECT_FALSE(model->expanded());
+    sidebar->setActive(true);
+    EXPECT_TRUE(strip().isVisible());
+}
+
 TEST_F(SidebarControllerTest, reducedMotionMagnifiesNothing)
 {
     platform.appearance.current.reduceMotion = true;
@@ -250,218 +233,11 @@ TEST_F(SidebarControllerTest, aLostScreenFallsBackToTheFirst)
     enter(away);
 }
 
-TEST_F(SidebarControllerTest, theMenuMovesAddsAndRemoves)
-{
-    start();
-    const auto titles = [this](int row, bool vertical) {
-        QStringList list;
-        for (const MenuEntry& entry : itemMenuEntries(*model, model->visibleItems().at(row), vertical))
-            list.append(entry.isSeparator() ? QStringLiteral("-") : entry.enabled ? entry.title : entry.title + u'!');
-        return list.join(u'|');
-    };
-    const auto run = [this](int row, const char* title) {
-        for (const MenuEntry& entry : itemMenuEntries(*model, model->visibleItems().at(row), true)) {
-            if (entry.title == QString::fromUtf8(title))
-                entry.action();
-        }
-        platform.loop.turn();
-    };
-    EXPECT_EQ(QStringLiteral("Assign Shortcut…|Move Up!|Move Down|Add Divider After|-|Remove (turns Stats off)"),
-        titles(0, true));
-    EXPECT_EQ(QStringLiteral("Assign Shortcut…|Move Left|Move Right!|Add Divider After|-|Remove (turns AI off)"),
-        titles(1, false));
-    run(0, "Add Divider After");
-    EXPECT_TRUE(model->visibleItems().at(1).isDivider());
-    EXPECT_EQ(QStringLiteral("Move Up|Move Down|Add Divider After|-|Remove"), titles(1, true));
-    run(0, "Move Down");
-    EXPECT_TRUE(model->visibleItems().at(0).isDivider());
-    run(2, "Remove (turns AI off)");
-    EXPECT_FALSE(agents().isOn());
-    EXPECT_EQ(2, model->visibleItems().size());
-
-    ASSERT_EQ(std::nullopt,
-        model->launcher().add(
-            { QUuid::createUuid(), LaunchItem::Link{ QUrl(QStringLiteral("https://example.org")), {} }, {} }));
-    EXPECT_EQ(QStringLiteral("Open|-|Assign Shortcut…|Move Up|Move Down!|Add Divider After|-|Remove"), titles(2, true));
-    run(2, "Open");
-    EXPECT_EQ(QStringList(QStringLiteral("https://example.org")), platform.workspace.opened);
-
-    int opened = 0;
-    model->host().openSettings = [&] { ++opened; };
-    run(2, "Assign Shortcut…");
-    EXPECT_EQ(1, opened);
-    EXPECT_EQ(QStringLiteral("layout"), model->settingsPane());
-    EXPECT_EQ(model->visibleItems().at(2).id, model->settingsTarget());
-}
-
-TEST_F(SidebarControllerTest, theNextIconsNameOutlivesThePointersLeavingTheLast)
-{
-    start();
-    for (const char* name : { "one", "two" }) {
-        const LaunchItem item{ QUuid::createUuid(), LaunchItem::App{ QLatin1StringView(name) } };
-        ASSERT_EQ(std::nullopt, model->launcher().add(item));
-    }
-    platform.loop.turn();
-    sidebar->hoverItem(2);
-    sidebar->hoverItem(3);
-    sidebar->leaveItem(2);
-    platform.loop.advance(0.5);
-    EXPECT_TRUE(window("Kestro Tooltip"));
-    sidebar->leaveItem(3);
-    EXPECT_FALSE(window("Kestro Tooltip"));
-}
-
-TEST_F(SidebarControllerTest, aRowsExplanationComesAndGoesWithThePointer)
-{
-    start();
-    QQuickWindow below;
-    below.setGeometry(100, 100, 300, 200);
-    QQuickItem first(below.contentItem());
-    QQuickItem second(below.contentItem());
-    first.setSize({ 300, 24 });
-    ToolTip toolTip(model->platform(), *engine);
-    const auto shows = [] { return window("Kestro Tooltip") != nullptr; };
-    const auto pass = [this](double seconds) { platform.loop.advance(seconds); };
-
-    toolTip.entered(
-        &first, QStringLiteral("A sentence that is far too long to stand in one line, which is why it is broken"));
-    pass(0.39);
-    EXPECT_FALSE(shows());
-    pass(0.02);
-    ASSERT_TRUE(shows());
-    const QRect place = window("Kestro Tooltip")->geometry().adjusted(24, 24, -24, -24); // without its shadow's room
-    EXPECT_EQ(place.topLeft(), QPoint(100, 128)) << "below the item";
-    EXPECT_LE(place.width(), 340);
-    EXPECT_GT(place.height(), 30) << "two lines";
-    toolTip.left(&first);
-    toolTip.entered(&first, QStringLiteral("A"));
-    pass(1);
-    EXPECT_TRUE(shows()) << "left for an instant";
-    toolTip.entered(&second, QString());
-    EXPECT_FALSE(shows()) << "nothing to say";
-
-    toolTip.entered(&first, QStringLiteral("A"));
-    toolTip.left(&second);
-    pass(0.5);
-    EXPECT_TRUE(shows()) << "another was left";
-    first.setVisible(false);
-    EXPECT_FALSE(shows());
-    below.setGeometry(1900, 1050, 300, 200);
-    toolTip.entered(&second, QStringLiteral("At the corner"));
-    pass(0.5);
-    ASSERT_TRUE(shows());
-    EXPECT_TRUE(QRect(0, 0, 1920, 1080).contains(window("Kestro Tooltip")->geometry().adjusted(24, 24, -24, -24)));
-    toolTip.left(&second);
-    pass(0.2);
-    EXPECT_FALSE(shows());
-}
-
-TEST_F(SidebarControllerTest, theLiveTileShowsTheFiveHoursWhileTheyAreKnown)
-{
-    start({ { QStringLiteral("limitsEnabled"), true } });
-    DockItemsModel& items = *const_cast<SidebarState&>(sidebar->state()).items();
-    const auto share = [&](int row) { return items.data(items.index(row), DockItemsModel::Share).toDouble(); };
-    EXPECT_EQ(-1, share(1));
-    QSignalSpy changed(&items, &DockItemsModel::dataChanged);
-    const auto tell = [&](double percent) {
-        sendMessage("limits=claude\n"
-                    R"({"rate_limits":{"five_hour":{"used_percentage":)"
-            + QByteArray::number(percent) + R"(,"resets_at":)"
-            + QByteArray::number(platform.loop.now().seconds + Date::unixEpochOffset + 3600, 'f', 0) + "}}}");
-    };
-    tell(28);
-    EXPECT_EQ(0.28, share(1));
-    EXPECT_EQ(-1, share(0));
-    tell(28);
-    EXPECT_EQ(1, changed.count()) << "the same again draws nothing";
-    set("dockLiveTiles", false);
-    EXPECT_EQ(-1, share(1));
-    set("dockLiveTiles", true);
-    EXPECT_EQ(0.28, share(1));
-    platform.loop.advance(3601);
-    EXPECT_EQ(0, share(1)) << "the window has passed";
-    turn("limitsEnabled", false);
-    platform.loop.turn();
-    EXPECT_EQ(-1, share(1));
-}
-
-TEST_F(SidebarControllerTest, itGivesWayToAWindow)
-{
-    for (const char* visibility : { "dock", "autoHide" }) {
-        SCOPED_TRACE(visibility);
-        start({ { QStringLiteral("sidebarVisibility"), QString::fromLatin1(visibility) } });
-        std::optional<WidgetKind> opened;
-        model->host().openWindow = [&](WidgetKind kind) {
-            opened = kind;
-            sidebar->giveWay();
-        };
-        sidebar->toggle();
-        platform.loop.turn();
-        ASSERT_TRUE(sidebar->cardShown());
-        platform.pointer.moveTo(frame().dock.center());
-        sidebar->clickItem(0);
-        platform.loop.turn();
-        EXPECT_TRUE(sidebar->cardShown()) << "Stats has a card alone";
-        sidebar->clickItem(1);
-        EXPECT_EQ(WidgetKind::ai, opened);
-        EXPECT_FALSE(sidebar->cardShown());
-        EXPECT_EQ(nullptr, platform.panels.focused);
-        EXPECT_TRUE(sidebar->state().revealed()) << "the pointer is on it";
-        platform.pointer.moveTo(away);
-        platform.loop.advance(1);
-        EXPECT_EQ(sidebar->state().revealed(), QLatin1String(visibility) == QLatin1String("dock"));
-
-        sidebar->show(WidgetKind::ai);
-        model->openShownWindow();
-        EXPECT_FALSE(model->expanded());
-        EXPECT_EQ(sidebar->state().revealed(), QLatin1String(visibility) == QLatin1String("dock"));
-        sidebar.reset();
-        model.reset();
-    }
-}
-
-TEST_F(SidebarControllerTest, aShortcutGivesItTheKeyboard)
-{
-    start();
-    ASSERT_EQ(std::nullopt, model->launcher().addDivider(model->visibleItems().first().id)); // Stats, divider, AI
-    const LaunchItem app{ QUuid::createUuid(), LaunchItem::App{ QStringLiteral("/app.desktop") } };
-    ASSERT_EQ(std::nullopt, model->launcher().add(app));
-    platform.workspace.names[QStringLiteral("/app.desktop")] = QStringLiteral("App");
-    platform.loop.turn();
-    const auto press = [this](Qt::Key key) {
-        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
-        QCoreApplication::sendEvent(&strip(), &event);
-        platform.loop.turn();
-        return sidebar->state().focusedRow();
-    };
-
-    sidebar->toggle();
-    EXPECT_EQ(&strip(), platform.panels.focused);
-    EXPECT_EQ(0, sidebar->state().focusedRow());
-    EXPECT_EQ(0, press(Qt::Key_Up));
-    EXPECT_EQ(2, press(Qt::Key_Down)) << "the divider is stepped over";
-    EXPECT_EQ(WidgetKind::ai, model->shownWidget());
-    EXPECT_EQ(0, press(Qt::Key_Home));
-    EXPECT_EQ(3, press(Qt::Key_End));
-    EXPECT_EQ(3, press(Qt::Key_Tab));
-    EXPECT_EQ(-1, press(Qt::Key_Return)) << "an application that opens takes the keyboard";
-    EXPECT_EQ(QStringList(QStringLiteral("/app.desktop")), platform.workspace.opened);
-    EXPECT_EQ(nullptr, platform.panels.focused);
-    EXPECT_FALSE(model->expanded());
-
-    sidebar->show(WidgetKind::ai);
-    EXPECT_EQ(2, sidebar->state().focusedRow());
-    EXPECT_EQ(2, press(Qt::Key_Return)) << "a widget's card stays";
-    EXPECT_EQ(-1, press(Qt::Key_Escape));
-    EXPECT_EQ(nullptr, platform.panels.focused);
-    EXPECT_FALSE(sidebar->cardShown());
-}
-
 TEST_F(SidebarControllerTest, anEmptyLayoutOpensAndClosesWithoutACard)
 {
     start({ { QStringLiteral("sidebarVisibility"), QStringLiteral("autoHide") } });
     while (!model->visibleItems().isEmpty())
-        model->items().removeItem(model->visibleItems().first());
+        model->removeItem(model->visibleItems().first());
     platform.loop.turn();
     sidebar->toggle();
     EXPECT_TRUE(sidebar->state().revealed());
