@@ -44,8 +44,18 @@ Item {
     }
 
     Loader {
+        id: tile
+
+        // Resized rather than scaled, and by whole points on each side: the software renderer drops lines of a scaled
+        // picture.
+        property real size: mouse.pressedButtons & Qt.LeftButton ? 0.94 : 1
+        readonly property int margin: Math.round(root.width * (1 - size) / 2)
+
         active: !root.isDivider
-        anchors.fill: parent
+        anchors { fill: parent; margins: tile.margin }
+        Behavior on size {
+            NumberAnimation { duration: Theme.reduceMotion ? 0 : 80 }
+        }
         sourceComponent: Tile {
             kind: root.kind
             symbol: root.symbol
@@ -54,6 +64,18 @@ Item {
             framed: root.symbol === Symbols.globe
             monochrome: root.dock.monochrome
             restSize: root.dock.iconSize
+        }
+    }
+
+    // The light on a hovered tile.
+    Rectangle {
+        anchors.fill: tile
+        radius: width * 0.24
+        color: "white"
+        opacity: mouse.containsMouse && !root.isDivider ? 0.14 : 0
+        visible: opacity > 0
+        Behavior on opacity {
+            NumberAnimation { duration: Theme.reduceMotion ? 0 : 80 }
         }
     }
 
@@ -74,17 +96,19 @@ Item {
     }
 
     MouseArea {
+        id: mouse
+
         anchors.fill: parent
         hoverEnabled: true
         acceptedButtons: Qt.LeftButton | Qt.RightButton
         onEntered: root.controller.hoverItem(root.index)
         onExited: root.controller.leaveItem(root.index)
-        onClicked: mouse => {
-            if (mouse.button === Qt.LeftButton)
+        onClicked: event => {
+            if (event.button === Qt.LeftButton)
                 root.controller.clickItem(root.index)
         }
-        onPressed: mouse => {
-            if (mouse.button === Qt.RightButton)
+        onPressed: event => {
+            if (event.button === Qt.RightButton)
                 root.controller.openMenu(root.index)
         }
     }
