@@ -11,8 +11,9 @@ namespace kestro {
 class AppModel;
 class ToolTip;
 
-/// The card beside the dock: its window, and its way in. The window is larger than the card by the room for its
-/// shadow, and stands where the card will end up, so that the window manager is asked once and not in every frame.
+/// The card beside the dock: its window, and the animation with which it appears. The window is larger than the card by
+/// the room for the shadow, and stands at the card's final place, so that the window manager moves it once and not in
+/// every frame.
 class CardPanel final {
 public:
     /// `toolTips` are for the rows of the card. All must outlive it.

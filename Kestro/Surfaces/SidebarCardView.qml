@@ -9,7 +9,7 @@ Item {
     required property var toolTips
     required property real shadowRoom
 
-    // The way in: from `offset` to its place, turning from clear to full.
+    // Slides the card from `offset` to its place while it fades in.
     function appear(offset) {
         motion.stop();
         card.offset = offset;

@@ -91,8 +91,8 @@ QRectF ToolTip::below(const QQuickItem& item, QSizeF size) const
 void ToolTip::show(const QString& text, const Place& place)
 {
     m_window = std::make_unique<QQuickWindow>();
-    // No window manager touches it: one would take its time to learn that the room for the shadow lets the pointer
-    // through, and meanwhile the pointer has left what the text is about.
+    // Override-redirect: until a window manager had applied the input shape, the room for the shadow would take the
+    // pointer from the item below, which would hide the text again.
     m_window->setFlags(Qt::ToolTip | Qt::FramelessWindowHint);
     QSurfaceFormat format = m_window->requestedFormat();
     format.setAlphaBufferSize(8);

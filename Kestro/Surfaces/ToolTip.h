@@ -19,8 +19,8 @@ namespace kestro {
 
 class TrackingHostingView;
 
-/// A line or some about what the pointer rests on, beside it, a moment after it came. Its window lives only while it
-/// shows. Main thread.
+/// A short text about the item under the pointer, shown beside the item after a delay. Its window exists only while the
+/// text shows. Main thread.
 class ToolTip final : public QObject {
     Q_OBJECT
 public:
@@ -28,7 +28,7 @@ public:
     ToolTip(const Platform& platform, QQmlEngine& engine);
     ~ToolTip() override;
 
-    /// `icon` in screen coordinates; the text stands away from it on the side that faces the desktop.
+    /// `icon` in screen coordinates; the text stands beside it, away from `edge`.
     void showSoon(const QString& text, const QRectF& icon, SidebarEdge edge, const QRectF& screen);
     void hide();
 
