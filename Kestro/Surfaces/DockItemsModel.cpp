@@ -30,15 +30,14 @@ DockItemsModel::Row DockItemsModel::rowOf(const LaunchItem& item) const
     return row;
 }
 
-void DockItemsModel::show(const SidebarFrame& frame, const SidebarPrefs& prefs)
+void DockItemsModel::show(const SidebarFrame& frame, SidebarEdge edge)
 {
     const QList<LaunchItem>& items = frame.arrangement.items;
-    const auto frameOf = [&](qsizetype i) { return frame.collapsed ? QRectF() : frame.iconRect(i, prefs.edge); };
+    const auto frameOf = [&](qsizetype i) { return frame.collapsed ? QRectF() : frame.iconRect(i, edge); };
     const auto itemOf = [](const Row& row) { return row.item; };
     const bool sameIds =
         std::ranges::equal(items, m_rows, {}, &LaunchItem::id, [](const Row& row) { return row.item.id; });
     const bool sameItems = sameIds && std::ranges::equal(items, m_rows, {}, {}, itemOf);
-    const bool sameLive = std::exchange(m_live, prefs.liveTiles) == prefs.liveTiles;
     if (!sameIds) {
         beginResetModel();
         m_rows.clear();
@@ -55,7 +54,13 @@ void DockItemsModel::show(const SidebarFrame& frame, const SidebarPrefs& prefs)
         if (std::exchange(m_rows[i].frame, place) != place)
             Q_EMIT dataChanged(index(int(i)), index(int(i)), { Frame });
     }
-    if (!sameItems || !sameLive)
+    if (!sameItems)
+        refresh();
+}
+
+void DockItemsModel::setLive(bool live)
+{
+    if (std::exchange(m_live, live) != live)
         refresh();
 }
 

@@ -21,7 +21,9 @@ public:
     explicit DockItemsModel(AppModel& model);
 
     /// Draws `frame`'s items. Looks are asked for only where items are others than before.
-    void show(const SidebarFrame& frame, const SidebarPrefs& prefs);
+    void show(const SidebarFrame& frame, SidebarEdge edge);
+    /// Whether tiles show figures of their widgets.
+    void setLive(bool live);
     /// Asks anew how the items look, where they stand.
     void refresh();
     const LaunchItem& item(int row) const { return m_rows[row].item; }
@@ -44,7 +46,7 @@ private:
 
     AppModel& m_model;
     QList<Row> m_rows;
-    bool m_live = false; ///< whether tiles show figures of their widgets
+    bool m_live = false;
 };
 
 } // namespace kestro

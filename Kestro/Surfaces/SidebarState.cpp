@@ -13,6 +13,7 @@ void SidebarState::setPrefs(const SidebarPrefs& prefs, bool monochrome)
 {
     m_prefs = prefs;
     m_monochrome = monochrome;
+    m_items.setLive(prefs.liveTiles);
     Q_EMIT prefsChanged();
 }
 
@@ -22,7 +23,7 @@ void SidebarState::setFrame(const SidebarFrame& frame)
         return;
     m_frame = frame;
     Q_EMIT frameChanged();
-    m_items.show(frame, m_prefs);
+    m_items.show(frame, m_prefs.edge);
 }
 
 void SidebarState::refreshItems()

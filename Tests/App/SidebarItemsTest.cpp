@@ -45,10 +45,10 @@ TEST_F(SidebarItemsTest, theMenuMovesAddsAndRemoves)
     EXPECT_EQ(QStringList(QStringLiteral("https://example.org")), platform.workspace.opened);
 
     int opened = 0;
-    model->openSettings = [&] { ++opened; };
+    model->host().openSettings = [&] { ++opened; };
     run(2, "Assign Shortcut…");
     EXPECT_EQ(1, opened);
-    EXPECT_EQ(SettingsPane::layout, model->settingsPane());
+    EXPECT_EQ(QStringLiteral("layout"), model->settingsPane());
     EXPECT_EQ(model->visibleItems().at(2).id, model->settingsTarget());
 }
 
@@ -76,7 +76,7 @@ TEST_F(SidebarItemsTest, theLiveTileShowsTheFiveHoursWhileTheyAreKnown)
     EXPECT_EQ(0.28, share(1));
     platform.loop.advance(3601);
     EXPECT_EQ(0, share(1)) << "the window has passed";
-    model->turn(FeatureSwitch::limits, false);
+    turn("limitsEnabled", false);
     platform.loop.turn();
     EXPECT_EQ(-1, share(1));
 }
@@ -87,7 +87,7 @@ TEST_F(SidebarItemsTest, itGivesWayToAWindow)
         SCOPED_TRACE(visibility);
         start({ { QStringLiteral("sidebarVisibility"), QString::fromLatin1(visibility) } });
         std::optional<WidgetKind> opened;
-        model->openWindow = [&](WidgetKind kind) {
+        model->host().openWindow = [&](WidgetKind kind) {
             opened = kind;
             sidebar->giveWay();
         };
