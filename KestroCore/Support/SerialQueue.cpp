@@ -73,4 +73,12 @@ void SerialQueue::drain()
     reached.get_future().wait();
 }
 
+bool SerialQueue::drainFor(std::chrono::milliseconds limit)
+{
+    // Shared: the queue may reach it after the caller has given up.
+    const auto reached = std::make_shared<std::promise<void>>();
+    async([reached] { reached->set_value(); });
+    return reached->get_future().wait_for(limit) == std::future_status::ready;
+}
+
 } // namespace kestro

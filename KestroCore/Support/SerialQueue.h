@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -12,7 +13,8 @@ class SerialQueue {
 public:
     /// `label` names the thread in debuggers, cut to the 15 characters that the kernel keeps.
     explicit SerialQueue(std::string label);
-    /// Runs what was already given, then ends the thread.
+    /// Runs what was already given, then ends the thread. That takes as long as the work does, in a dead mount for
+    /// ever: what has to be saved before the process ends is drained with a limit, not left to the destructor.
     ~SerialQueue();
     SerialQueue(const SerialQueue&) = delete;
     SerialQueue& operator=(const SerialQueue&) = delete;
@@ -21,6 +23,8 @@ public:
     void async(std::function<void()> work);
     /// Blocks until everything given before has run. Not from the queue itself.
     void drain();
+    /// The same for at most `limit`; returns whether it has run. From any thread but the queue's own.
+    bool drainFor(std::chrono::milliseconds limit);
 
     const std::string& label() const { return m_label; }
 

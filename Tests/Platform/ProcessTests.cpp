@@ -1,4 +1,6 @@
 #include "Helpers.h"
+#include "KestroCore/Support/SerialQueue.h"
+#include "Platforms/Linux/System/EndWatchdog.h"
 #include "Platforms/Linux/System/SingleInstance.h"
 #include "Platforms/Linux/System/StderrLog.h"
 #include "Platforms/Linux/System/Termination.h"
@@ -82,6 +84,71 @@ TEST(Termination, IsToldOnceAndNotOfAnIgnoredHangUp)
     }
     EXPECT_EQ(std::signal(SIGHUP, former), SIG_IGN);
     EXPECT_EQ(std::signal(SIGTERM, SIG_DFL), SIG_DFL) << "given back";
+}
+
+// A place where nothing ever happens again.
+void hang()
+{
+    while (true)
+        ::pause();
+}
+
+struct Hanging {
+    ~Hanging() { hang(); }
+};
+
+TEST(EndWatchdog, EndsTheProcessWhateverHangs)
+{
+    struct Case {
+        const char* what;
+        std::function<void()> end;
+        std::function<bool()> save;
+        int exitCode;
+        bool saves; // by the last resort
+    };
+    const Case cases[] = {
+        { "the main thread", [] { ::raise(SIGTERM), hang(); }, [] { return true; }, 0, true },
+        { "the main thread, with a full disk", [] { ::raise(SIGTERM), hang(); }, [] { return false; }, 1, true },
+        { "saving too", [] { ::raise(SIGHUP), hang(); }, [] { return hang(), true; }, 1, true },
+        { "a queue that is joined",
+            [] {
+                EndWatchdog::arm();
+                SerialQueue("test").async(hang);
+            },
+            [] { return true; }, 0, true },
+        { "a queue that is joined after everything was saved",
+            [] {
+                EndWatchdog::arm();
+                EndWatchdog::allSaved();
+                SerialQueue("test").async(hang);
+            },
+            [] { return false; }, 0, false },
+        { "a static object",
+            [] {
+                EndWatchdog::arm();
+                static const Hanging late;
+                std::exit(3);
+            },
+            [] { return true; }, 0, true },
+    };
+    std::vector<std::unique_ptr<Child>> children;
+    QElapsedTimer clock;
+    clock.start();
+    for (const Case& c : cases) {
+        children.push_back(std::make_unique<Child>([&] {
+            const EndWatchdog watchdog([&c] {
+                StderrLog().write(u"saving"_s);
+                return c.save();
+            });
+            const Termination termination;
+            c.end();
+        }));
+    }
+    for (size_t i = 0; i < children.size(); ++i) {
+        EXPECT_EQ(children[i]->exitCode(), cases[i].exitCode) << cases[i].what;
+        EXPECT_EQ(children[i]->read().startsWith("saving\n"), cases[i].saves) << cases[i].what;
+    }
+    EXPECT_LT(clock.elapsed(), 2000);
 }
 
 class SingleInstanceTest : public testing::Test {

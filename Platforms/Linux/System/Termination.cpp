@@ -1,5 +1,7 @@
 #include "Termination.h"
 
+#include "EndWatchdog.h"
+
 #include <QSocketNotifier>
 #include <array>
 #include <cerrno>
@@ -18,6 +20,7 @@ volatile std::sig_atomic_t wakeDescriptor = -1;
 void wakeTheLoop(int)
 {
     const int saved = errno;
+    EndWatchdog::arm();
     ::eventfd_write(wakeDescriptor, 1);
     errno = saved;
 }
@@ -26,6 +29,7 @@ LastFlush* lastFlush = nullptr;
 
 void flushAtExit()
 {
+    EndWatchdog::arm();
     if (lastFlush)
         lastFlush->run();
 }
