@@ -22,12 +22,13 @@ public:
 };
 
 /// Getting things over HTTPS: nothing is stored or sent along, certificates are checked, and redirects are followed
-/// a few times, to https only. Main thread.
+/// a few times, to https only and never from a public host into this computer or the local network. Main thread.
 class Fetcher {
 public:
     virtual ~Fetcher() = default;
 
-    /// Gets `url`. A body over `maxBytes`, and a whole that takes longer than `timeoutSeconds`, are errors.
+    /// Gets `url`. Headers and body that come to more than `maxBytes`, and a whole that takes longer than
+    /// `timeoutSeconds`, are errors.
     /// `done` is called once, on the main thread, never before this returns.
     [[nodiscard]] virtual std::unique_ptr<Fetch> get(
         const QUrl& url, double timeoutSeconds, qint64 maxBytes, std::function<void(const FetchResult&)> done) = 0;

@@ -25,9 +25,9 @@ public:
             u"req -x509 -newkey ec -pkeyopt ec_paramgen_curve:P-256 -nodes -days 2 -subj /CN=kestro-test "
             "-addext subjectAltName=IP:127.0.0.1 -keyout %1 -out %2"_s.arg(key, certificate)
                 .split(u' '));
-        authority = QSslCertificate::fromData(contentOf(certificate));
+        authority = contentOf(certificate);
         QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
-        tls.setLocalCertificate(authority.value(0));
+        tls.setLocalCertificate(QSslCertificate(authority));
         tls.setPrivateKey(QSslKey(contentOf(key), QSsl::Ec));
         m_server.setSslConfiguration(tls);
         QObject::connect(&m_server, &QTcpServer::pendingConnectionAvailable, &m_server, [this] {
@@ -36,12 +36,14 @@ public:
         });
         m_server.listen(QHostAddress::AnyIPv4);
     }
-    QUrl url(const char* path) const
+    QUrl url(const char* path, const char* host = "127.0.0.1") const
     {
-        return QUrl(u"https://127.0.0.1:%1%2"_s.arg(m_server.serverPort()).arg(QLatin1String(path)));
+        return QUrl(u"https://%1:%2%3"_s.arg(QLatin1String(host)).arg(m_server.serverPort()).arg(QLatin1String(path)));
     }
+    /// Bytes of a good answer before its body of five digits' length.
+    static constexpr qsizetype headBytes = sizeof("HTTP/1.1 200 OK\r\nContent-Length: 12345\r\n\r\n") - 1;
 
-    QList<QSslCertificate> authority;
+    QByteArray authority; ///< PEM
     QByteArrayList requests;
     qint64 endlessBytes = 0;
 
@@ -68,10 +70,11 @@ private:
             { "/missing", "404 Not Found", {}, "none" },
             { "/cookie", "200 OK", "Set-Cookie: a=b; Path=/\r\n", "hello" },
             { "/packed", "200 OK", "Content-Encoding: gzip\r\n", "\x1F\x8B not unpacked" },
-            { "/full", "200 OK", {}, QByteArray(100'000, 'x') },
-            { "/over", "200 OK", {}, QByteArray(100'001, 'x') },
+            { "/full", "200 OK", {}, QByteArray(100'000 - headBytes, 'x') },
+            { "/over", "200 OK", {}, QByteArray(100'001 - headBytes, 'x') },
             { "/redirect", "302 Found", "Location: " + url("/good").toEncoded() + "\r\n", {} },
             { "/loop", "302 Found", "Location: " + url("/loop").toEncoded() + "\r\n", {} },
+            { "/elsewhere", "302 Found", "Location: " + url("/good", "127.0.0.2").toEncoded() + "\r\n", {} },
             { "/insecure", "302 Found", "Location: http://127.0.0.1:1/\r\n", {} },
         };
         const auto head = [&](qint64 size) { return "Content-Length: " + QByteArray::number(size) + "\r\n"; };
@@ -89,18 +92,31 @@ private:
             QObject::connect(timer, &QTimer::timeout, &socket, [&socket] { socket.write("x"); });
             timer->start(20);
         } else if (path == "/endless") {
-            socket.write("HTTP/1.1 200 OK\r\n" + head(gigabyte) + "\r\n");
-            auto& secure = dynamic_cast<QSslSocket&>(socket);
-            const auto more = [this, &secure] {
-                constexpr qint64 chunk = 64 * 1024;
-                if (secure.bytesToWrite() + secure.encryptedBytesToWrite() < chunk && endlessBytes < gigabyte)
-                    endlessBytes += std::max<qint64>(0, secure.write(QByteArray(chunk, 'x')));
-            };
-            QObject::connect(&secure, &QSslSocket::encryptedBytesWritten, &secure, more, Qt::QueuedConnection);
-            more();
+            writeForEver(socket, "HTTP/1.1 200 OK\r\n" + head(gigabyte) + "\r\n", QByteArray(chunk, 'x'));
+        } else if (path == "/headers") {
+            writeForEver(socket, "HTTP/1.1 200 OK\r\n", "X-More: " + QByteArray(4000, 'x') + "\r\n");
+        } else if (path == "/header") {
+            writeForEver(socket, "HTTP/1.1 200 OK\r\nX-More: ", QByteArray(chunk, 'x'));
         } // anything else waits for ever
     }
 
+    void writeForEver(QTcpSocket& socket, const QByteArray& first, const QByteArray& more)
+    {
+        auto& secure = dynamic_cast<QSslSocket&>(socket);
+        secure.write(first);
+        const auto feed = [this, &secure, more] {
+            while (secure.bytesToWrite() + secure.encryptedBytesToWrite() < chunk && endlessBytes < gigabyte) {
+                const qint64 written = secure.write(more);
+                if (written <= 0)
+                    return;
+                endlessBytes += written;
+            }
+        };
+        QObject::connect(&secure, &QSslSocket::encryptedBytesWritten, &secure, feed, Qt::QueuedConnection);
+        feed();
+    }
+
+    static constexpr qint64 chunk = 64 * 1024;
     QTemporaryDir m_folder;
     QSslServer m_server;
 };

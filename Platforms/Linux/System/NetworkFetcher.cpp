@@ -1,122 +1,176 @@
 #include "NetworkFetcher.h"
 
-#include <QNetworkAccessManager>
-#include <QNetworkReply>
-#include <QSslConfiguration>
+#include "CurlTransfers.h"
+#include "InsideAddress.h"
+
+#include <array>
+#include <sys/socket.h>
+#include <utility>
 
 namespace kestro {
 namespace {
 
-constexpr double putAwaySeconds = 30;
-constexpr int mostRedirects = 5;
-constexpr qint64 chunk = 64 * 1024;
-const QString tooLarge = QStringLiteral("the answer is too large");
+constexpr long mostRedirects = 5;
 
-QNetworkRequest plainRequest(const QUrl& url, const QList<QSslCertificate>& authorities)
-{
-    QNetworkRequest request(url);
-    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
-    request.setMaximumRedirectsAllowed(mostRedirects);
-    request.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
-    request.setAttribute(QNetworkRequest::CookieSaveControlAttribute, QNetworkRequest::Manual);
-    request.setAttribute(QNetworkRequest::AuthenticationReuseAttribute, QNetworkRequest::Manual);
-    request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
-    request.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
-    // The limit is on what is received: nothing small may unpack into something large.
-    request.setRawHeader("Accept-Encoding", "identity");
-    if (!authorities.isEmpty()) {
-        QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
-        tls.setCaCertificates(authorities);
-        request.setSslConfiguration(tls);
-    }
-    return request;
-}
-
-// A server's answer is an answer, whatever its status says. Qt files those under errors of two ranges.
-bool isAnswer(QNetworkReply::NetworkError error, int status)
-{
-    const bool aboutContent = error > QNetworkReply::UnknownProxyError && error <= QNetworkReply::UnknownContentError;
-    const bool aboutServer = error >= QNetworkReply::InternalServerError && error <= QNetworkReply::UnknownServerError;
-    return error == QNetworkReply::NoError || (status >= 300 && (aboutContent || aboutServer));
-}
-
-QString inWords(const QNetworkReply& reply)
-{
-    switch (reply.error()) {
-    case QNetworkReply::HostNotFoundError:
-        return QStringLiteral("the server was not found");
-    case QNetworkReply::ConnectionRefusedError:
-        return QStringLiteral("the server took no connection");
-    case QNetworkReply::RemoteHostClosedError:
-        return QStringLiteral("the server closed the connection too early");
-    case QNetworkReply::TooManyRedirectsError:
-        return QStringLiteral("too many redirects");
-    case QNetworkReply::InsecureRedirectError:
-        return QStringLiteral("redirected to an insecure address");
-    default:
-        return reply.errorString();
-    }
-}
+struct Release {
+    void operator()(CURL* transfer) const { ::curl_easy_cleanup(transfer); }
+    void operator()(curl_slist* list) const { ::curl_slist_free_all(list); }
+};
 
 /// Ends in one of three ways, and only once: an outcome is told, or the handle is destroyed.
-class RunningFetch final : public QObject, public Fetch {
+class RunningFetch final : public Fetch {
 public:
     using Done = std::function<void(const FetchResult&)>;
 
-    RunningFetch(Done done, std::function<void()> ended)
+    RunningFetch(Done done, qint64 maxBytes, bool (*isInside)(const sockaddr*))
         : m_done(std::move(done))
-        , m_ended(std::move(ended))
+        , m_maxBytes(maxBytes)
+        , m_isInside(isInside)
     {
     }
     ~RunningFetch() override { end(); }
     RunningFetch(const RunningFetch&) = delete;
     RunningFetch& operator=(const RunningFetch&) = delete;
 
-    void start(QNetworkReply* reply, MainLoop& loop, double timeoutSeconds, qint64 maxBytes)
+    void start(
+        const QUrl& url, const QByteArray& authorities, MainLoop& loop, double timeoutSeconds, CurlTransfers& transfers)
     {
-        m_reply = reply;
-        m_maxBytes = maxBytes;
-        reply->setReadBufferSize(chunk);
-        connect(reply, &QNetworkReply::readyRead, this, &RunningFetch::read);
-        connect(reply, &QNetworkReply::finished, this, &RunningFetch::finished);
-        m_limit = loop.after(timeoutSeconds, [this] { fail(QStringLiteral("it took too long")); });
+        m_limit = loop.after(timeoutSeconds, [this] { tell({ QStringLiteral("it took too long"), 0, {} }); });
+        m_transfers = &transfers;
+        set(CURLOPT_URL, url.toEncoded().constData());
+        set(CURLOPT_ERRORBUFFER, m_error.data());
+        allowHttpsAlone();
+        trust(authorities);
+        receive();
+        transfers.add(m_curl.get(), [this](CURLcode result) { finished(result); });
     }
 
     /// Fails on a later turn.
     void refuse(MainLoop& loop, const QString& reason)
     {
-        m_limit = loop.after(0, [this, reason] { fail(reason); });
+        m_limit = loop.after(0, [this, reason] { tell({ reason, 0, {} }); });
     }
 
 private:
-    int status() const { return m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(); }
-
-    // Returns whether the body is within its limit; it is never more than one byte over.
-    bool take()
+    template <typename Value> void set(CURLoption option, Value value)
     {
-        m_body += m_reply->read(m_maxBytes + 1 - m_body.size());
-        return m_body.size() <= m_maxBytes;
+        ::curl_easy_setopt(m_curl.get(), option, value);
     }
 
-    void read()
+    void allowHttpsAlone()
     {
-        if (!take())
-            fail(tooLarge);
+        set(CURLOPT_PROTOCOLS_STR, "https");
+        set(CURLOPT_REDIR_PROTOCOLS_STR, "https");
+        set(CURLOPT_FOLLOWLOCATION, 1L);
+        set(CURLOPT_MAXREDIRS, mostRedirects);
+        set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
+        set(CURLOPT_PROXY, ""); // a proxy would hide where a redirect leads
+        set(CURLOPT_OPENSOCKETFUNCTION, &RunningFetch::open);
+        set(CURLOPT_OPENSOCKETDATA, this);
+        // A connection that another fetch left open is not asked about above.
+        set(CURLOPT_FRESH_CONNECT, 1L);
+        set(CURLOPT_FORBID_REUSE, 1L);
+        set(CURLOPT_NOSIGNAL, 1L);
+        set(CURLOPT_QUICK_EXIT, 1L); // or the end of a fetch waits for the name server
     }
 
-    void finished()
+    void trust(const QByteArray& authorities)
     {
-        if (!take())
-            fail(tooLarge);
-        else if (isAnswer(m_reply->error(), status()))
-            tell({ {}, status(), m_body });
+        // The folder alone: the file beside it, with all authorities, would be parsed whole for each fetch.
+        set(CURLOPT_CAINFO, static_cast<const char*>(nullptr));
+        if (authorities.isEmpty())
+            return;
+        set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
+        curl_blob blob{ const_cast<char*>(authorities.constData()), static_cast<size_t>(authorities.size()),
+            CURL_BLOB_COPY };
+        set(CURLOPT_CAINFO_BLOB, &blob);
+    }
+
+    void receive()
+    {
+        // The limit is on what is received: nothing small may unpack into something large.
+        m_headers.reset(::curl_slist_append(nullptr, "Accept-Encoding: identity"));
+        set(CURLOPT_HTTPHEADER, m_headers.get());
+        set(CURLOPT_USERAGENT, "Mozilla/5.0");
+        set(CURLOPT_HEADERFUNCTION, &RunningFetch::takeHeader);
+        set(CURLOPT_HEADERDATA, this);
+        set(CURLOPT_WRITEFUNCTION, &RunningFetch::takeBody);
+        set(CURLOPT_WRITEDATA, this);
+    }
+
+    // For each address that is tried, after the name has been looked up: what a name says later counts for nothing.
+    static curl_socket_t open(void* self, curlsocktype, curl_sockaddr* address)
+    {
+        auto* const fetch = static_cast<RunningFetch*>(self);
+        const bool inside = fetch->m_isInside(&address->addr);
+        long redirects = 0;
+        ::curl_easy_getinfo(fetch->m_curl.get(), CURLINFO_REDIRECT_COUNT, &redirects);
+        fetch->m_refused = inside && redirects > 0 && fetch->m_wasOutside;
+        if (fetch->m_refused)
+            return CURL_SOCKET_BAD;
+        fetch->m_wasOutside = fetch->m_wasOutside || !inside;
+        return ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+    }
+
+    static size_t takeHeader(char*, size_t size, size_t count, void* self)
+    {
+        return static_cast<RunningFetch*>(self)->count(size * count);
+    }
+
+    static size_t takeBody(char* bytes, size_t size, size_t count, void* self)
+    {
+        auto* const fetch = static_cast<RunningFetch*>(self);
+        const size_t taken = fetch->count(size * count);
+        fetch->m_body.append(bytes, static_cast<qsizetype>(taken));
+        return taken;
+    }
+
+    // Returns `bytes`, or 0, which makes libcurl give up.
+    size_t count(size_t bytes)
+    {
+        m_received += static_cast<qint64>(bytes);
+        if (m_received <= m_maxBytes)
+            return bytes;
+        m_tooLarge = true;
+        return 0;
+    }
+
+    void finished(CURLcode result)
+    {
+        long status = 0;
+        ::curl_easy_getinfo(m_curl.get(), CURLINFO_RESPONSE_CODE, &status);
+        if (result == CURLE_OK)
+            tell({ {}, static_cast<int>(status), m_body });
         else
-            fail(inWords(*m_reply));
+            tell({ inWords(result), 0, {} });
     }
 
-    void fail(const QString& reason) { tell({ reason, 0, {} }); }
+    QString inWords(CURLcode result) const
+    {
+        if (m_refused && result == CURLE_COULDNT_CONNECT)
+            return QStringLiteral("redirected into the local network");
+        // Out of memory is what libcurl says of one header line that is longer than it takes.
+        if (m_tooLarge || result == CURLE_OUT_OF_MEMORY)
+            return QStringLiteral("the answer is too large");
+        switch (result) {
+        case CURLE_COULDNT_RESOLVE_HOST:
+            return QStringLiteral("the server was not found");
+        case CURLE_COULDNT_CONNECT:
+            return QStringLiteral("the server took no connection");
+        case CURLE_PARTIAL_FILE:
+        case CURLE_GOT_NOTHING:
+        case CURLE_RECV_ERROR:
+            return QStringLiteral("the server closed the connection too early");
+        case CURLE_TOO_MANY_REDIRECTS:
+            return QStringLiteral("too many redirects");
+        case CURLE_UNSUPPORTED_PROTOCOL:
+            return QStringLiteral("redirected to an insecure address");
+        default:
+            return QString::fromUtf8(m_error.front() != '\0' ? m_error.data() : ::curl_easy_strerror(result));
+        }
+    }
 
-    // The one who is told may destroy this.
+    // `m_done` may destroy this.
     void tell(const FetchResult& result)
     {
         const Done done = std::exchange(m_done, nullptr);
@@ -127,29 +181,31 @@ private:
     void end()
     {
         m_limit.cancel();
-        if (m_reply) {
-            m_reply->disconnect(this);
-            m_reply->abort();
-            m_reply->deleteLater();
-            m_reply = nullptr;
-        }
-        if (const auto ended = std::exchange(m_ended, nullptr))
-            ended();
+        if (m_transfers)
+            m_transfers->remove(m_curl.get());
     }
 
     Done m_done;
-    std::function<void()> m_ended;
-    QNetworkReply* m_reply = nullptr; // the manager's, and its last event is ours to ask for
+    const qint64 m_maxBytes; // of headers and body, over all redirects
+    bool (*const m_isInside)(const sockaddr*);
+    CurlTransfers* m_transfers = nullptr;
+    std::array<char, CURL_ERROR_SIZE> m_error{};
+    std::unique_ptr<curl_slist, Release> m_headers;
+    std::unique_ptr<CURL, Release> m_curl{ ::curl_easy_init() };
+    qint64 m_received = 0;
+    bool m_wasOutside = false; // a host on the public internet was asked
+    bool m_refused = false; // the address that was tried last
+    bool m_tooLarge = false;
     QByteArray m_body;
-    qint64 m_maxBytes = 0;
     WorkItem m_limit;
 };
 
 } // namespace
 
-NetworkFetcher::NetworkFetcher(MainLoop& loop, QList<QSslCertificate> authorities)
+NetworkFetcher::NetworkFetcher(MainLoop& loop, QByteArray authorities, bool (*isInside)(const sockaddr*))
     : m_loop(loop)
     , m_authorities(std::move(authorities))
+    , m_isInside(isInside ? isInside : isInsideAddress)
 {
 }
 
@@ -158,23 +214,15 @@ NetworkFetcher::~NetworkFetcher() = default;
 std::unique_ptr<Fetch> NetworkFetcher::get(
     const QUrl& url, double timeoutSeconds, qint64 maxBytes, std::function<void(const FetchResult&)> done)
 {
-    m_putAway.cancel();
-    ++m_running;
-    auto fetch = std::make_unique<RunningFetch>(std::move(done), [this] { fetchEnded(); });
+    auto fetch = std::make_unique<RunningFetch>(std::move(done), maxBytes, m_isInside);
     if (url.scheme() != QLatin1String("https") || url.host().isEmpty()) {
         fetch->refuse(m_loop, QStringLiteral("not a secure web address"));
         return fetch;
     }
-    if (!m_manager)
-        m_manager = std::make_unique<QNetworkAccessManager>();
-    fetch->start(m_manager->get(plainRequest(url, m_authorities)), m_loop, timeoutSeconds, maxBytes);
+    if (!m_transfers)
+        m_transfers = std::make_unique<CurlTransfers>();
+    fetch->start(url, m_authorities, m_loop, timeoutSeconds, *m_transfers);
     return fetch;
-}
-
-void NetworkFetcher::fetchEnded()
-{
-    if (--m_running == 0 && m_manager)
-        m_putAway = m_loop.after(putAwaySeconds, [this] { m_manager.reset(); });
 }
 
 } // namespace kestro

@@ -3,32 +3,31 @@
 #include "Kestro/Platform/Fetcher.h"
 #include "Kestro/Platform/MainLoop.h"
 
-#include <QList>
-#include <QSslCertificate>
+#include <QByteArray>
 
-class QNetworkAccessManager;
+struct sockaddr;
 
 namespace kestro {
 
-/// HTTPS through Qt. What it needs for that, a thread among it, is there from the first fetch until half a minute after
-/// the last.
+class CurlTransfers;
+
+/// HTTPS through libcurl, since Qt reads the headers of an answer without a bound and offers no way to set one.
+/// Nothing of it is there before the first fetch. Each fetch has connections of its own.
 class NetworkFetcher final : public Fetcher {
 public:
-    /// `authorities` stand in for the system's, where there are any. `loop` outlives this, and this its fetches.
-    explicit NetworkFetcher(MainLoop& loop, QList<QSslCertificate> authorities = {});
+    /// `authorities` (PEM) stand in for the system's, where there are any. `isInside` tells the addresses that a public
+    /// host cannot redirect to. `loop` outlives this, and this its fetches.
+    explicit NetworkFetcher(MainLoop& loop, QByteArray authorities = {}, bool (*isInside)(const sockaddr*) = nullptr);
     ~NetworkFetcher() override;
 
     [[nodiscard]] std::unique_ptr<Fetch> get(
         const QUrl& url, double timeoutSeconds, qint64 maxBytes, std::function<void(const FetchResult&)> done) override;
 
 private:
-    void fetchEnded();
-
     MainLoop& m_loop;
-    QList<QSslCertificate> m_authorities;
-    std::unique_ptr<QNetworkAccessManager> m_manager;
-    int m_running = 0;
-    WorkItem m_putAway;
+    QByteArray m_authorities;
+    bool (*m_isInside)(const sockaddr*);
+    std::unique_ptr<CurlTransfers> m_transfers;
 };
 
 } // namespace kestro
