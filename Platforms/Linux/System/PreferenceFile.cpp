@@ -2,32 +2,20 @@
 
 #include "PreferenceDraft.h"
 #include "PreferenceValue.h"
-#include "PrivateFolder.h"
 
 #include "Kestro/Platform/Log.h"
-#include "KestroCore/Support/AtomicFile.h"
-#include "KestroCore/Support/PosixError.h"
 
 #include <QFile>
-#include <cerrno>
-#include <cstdio>
+#include <algorithm>
 #include <nlohmann/json.hpp>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <utility>
 
 namespace kestro {
 namespace {
 
 // Some editors rename the old file away before they write the new one.
 constexpr int absenceMilliseconds = 1000;
-
-QByteArray corruptName(const QByteArray& path)
-{
-    constexpr QByteArrayView suffix = ".json";
-    return (path.endsWith(suffix) ? path.chopped(suffix.size()) : path) + ".corrupt.json";
-}
-
-QByteArray folderOf(const QByteArray& path) { return path.left(path.lastIndexOf('/')); }
+constexpr int longestRetryMilliseconds = 60'000;
 
 QString failureLine(const QString& sentence) { return QStringLiteral("Kestro: the preferences: %1").arg(sentence); }
 
@@ -35,39 +23,26 @@ QString failureLine(const QString& sentence) { return QStringLiteral("Kestro: th
 
 PreferenceFile::PreferenceFile(const QString& path, Log& log)
     : m_path(QFile::encodeName(path))
-    , m_corruptPath(corruptName(m_path))
     , m_log(log)
+    , m_disk(m_path, [this] { QMetaObject::invokeMethod(this, &PreferenceFile::takeOutcomes, Qt::QueuedConnection); })
 {
     m_absence.setSingleShot(true);
     m_absence.setInterval(absenceMilliseconds);
-    connect(&m_absence, &QTimer::timeout, this, &PreferenceFile::believeAbsence);
+    connect(&m_absence, &QTimer::timeout, this, [this] { m_disk.readAbsence(); });
+    m_retry.setSingleShot(true);
+    connect(&m_retry, &QTimer::timeout, this, [this] { m_disk.write(); });
     connect(&m_watch, &FileWatch::touched, this, &PreferenceFile::look);
 
-    createPrivateFolder(folderOf(m_path)); // a failure is told when something is to be saved
     watch(); // before reading: what changes in between is seen
-    readAtStart();
+    const auto outcome = m_disk.readAtStart();
+    m_values = outcome.found.value_or(Values());
+    for (const QString& line : outcome.log)
+        m_log.write(line);
+    if (!outcome.readError.isEmpty())
+        m_log.write(failureLine(outcome.readError));
 }
 
 PreferenceFile::~PreferenceFile() { flush(); }
-
-void PreferenceFile::readAtStart()
-{
-    const auto reading = PreferenceReading::of(m_path);
-    if (!reading.error.isEmpty()) {
-        m_log.write(failureLine(reading.error));
-        return;
-    }
-    if (!reading.exists)
-        return;
-    if (const auto document = PreferenceDocument::parse(reading.content)) {
-        m_content = reading.content;
-        m_values = document->values();
-        return;
-    }
-    const QString error = setAside(resolved(m_path), reading.content);
-    if (!error.isEmpty())
-        m_log.write(failureLine(error));
-}
 
 // Through a link two places are watched: the link's, where it may be pointed elsewhere, and the file's own.
 void PreferenceFile::watch()
@@ -92,14 +67,17 @@ void PreferenceFile::setValue(const QString& key, const QVariant& value)
     const QVariant stored = PreferenceValue::fromJson(*json);
     if (PreferenceValue::same(m_values.value(key), stored))
         return;
-    m_unsaved.insert(key, stored);
+    m_unsaved.insert(key, m_disk.set(key, stored));
+    m_writeNeeded = true;
     put(key, stored);
 }
 
 void PreferenceFile::flush()
 {
+    m_writeNeeded = false;
     if (!m_unsaved.isEmpty())
-        save();
+        m_disk.flush();
+    takeOutcomes();
 }
 
 void PreferenceFile::put(const QString& key, const QVariant& value)
@@ -122,8 +100,7 @@ void PreferenceFile::scheduleTurn()
         QMetaObject::invokeMethod(this, &PreferenceFile::turn, Qt::QueuedConnection);
 }
 
-// Told before it is saved: what the change sets off shows without waiting for the disk, and what it writes is saved
-// with it.
+// Told before it is saved: what the change sets off is written with it.
 void PreferenceFile::turn()
 {
     m_turnScheduled = false;
@@ -136,37 +113,62 @@ void PreferenceFile::turn()
     keys.sort();
     if (!keys.isEmpty())
         Q_EMIT changed(keys);
-    flush();
+    if (std::exchange(m_writeNeeded, false))
+        m_disk.write();
 }
 
 void PreferenceFile::look()
 {
     watch();
-    takeOver(PreferenceReading::of(m_path));
+    m_disk.read();
 }
 
-void PreferenceFile::takeOver(const PreferenceReading& reading)
+void PreferenceFile::takeOutcomes()
 {
-    if (!reading.exists) {
-        if (!m_content.isEmpty() && !m_absence.isActive())
-            m_absence.start();
-        return;
-    }
-    m_absence.stop();
-    if (!reading.error.isEmpty() || reading.content == m_content)
-        return;
-    if (const auto document = PreferenceDocument::parse(reading.content)) {
-        m_content = reading.content;
-        adopt(document->values());
-    }
+    for (const auto& outcome : m_disk.take())
+        take(outcome);
 }
 
-void PreferenceFile::believeAbsence()
+void PreferenceFile::take(const PreferenceDisk::Outcome& outcome)
 {
-    if (PreferenceReading::of(m_path).exists)
+    for (const QString& line : outcome.log)
+        m_log.write(line);
+    if (!outcome.isAbsent)
+        m_absence.stop();
+    else if (!m_absence.isActive())
+        m_absence.start();
+    if (outcome.found)
+        adopt(*outcome.found);
+    if (outcome.saved > 0)
+        noteSaved(outcome.saved);
+    if (!outcome.writeError.isEmpty())
+        noteFailure(outcome.writeError);
+}
+
+void PreferenceFile::noteSaved(quint64 number)
+{
+    m_unsaved.removeIf([&](const auto& change) { return change.value() <= number; });
+    m_retry.stop();
+    m_retryMilliseconds = firstRetryMilliseconds;
+    setSaveError({});
+    watch();
+}
+
+void PreferenceFile::noteFailure(const QString& error)
+{
+    if (error != m_saveError)
+        m_log.write(failureLine(error));
+    setSaveError(error);
+    if (m_retry.isActive())
         return;
-    m_content.clear();
-    adopt({});
+    m_retry.start(m_retryMilliseconds);
+    m_retryMilliseconds = std::min(2 * m_retryMilliseconds, longestRetryMilliseconds);
+}
+
+void PreferenceFile::setSaveError(const QString& error)
+{
+    if (std::exchange(m_saveError, error) != error)
+        Q_EMIT saveErrorChanged();
 }
 
 // What was set here and is not saved yet stands above what the file says.
@@ -181,77 +183,6 @@ void PreferenceFile::adopt(const Values& inFile)
         if (!m_unsaved.contains(key) && !inFile.contains(key))
             put(key, {});
     }
-}
-
-void PreferenceFile::save()
-{
-    const QString failure = trySave();
-    if (!failure.isEmpty() && failure != m_lastFailure)
-        m_log.write(failureLine(failure));
-    m_lastFailure = failure;
-}
-
-QString PreferenceFile::trySave()
-{
-    QString error;
-    if (!createPrivateFolder(folderOf(m_path)))
-        error = PosixError::creatingFolder(folderOf(m_path), errno).description();
-    constexpr int attempts = 4;
-    for (int attempt = 1; error.isEmpty(); ++attempt) {
-        const QByteArray target = resolved(m_path);
-        const auto reading = PreferenceReading::of(target);
-        if (!reading.error.isEmpty())
-            return reading.error;
-        takeOver(reading);
-
-        // Where there is no file, or a broken one, its last good text is what the others wrote.
-        const bool parsed = reading.exists && reading.content == m_content;
-        if (reading.exists && !parsed)
-            error = setAside(target, reading.content);
-        auto document = PreferenceDocument::parse(m_content).value_or(PreferenceDocument());
-        bool differs = !parsed;
-        for (auto it = m_unsaved.begin(); it != m_unsaved.end(); ++it)
-            differs = document.set(it.key(), it.value()) || differs;
-
-        if (error.isEmpty() && differs) {
-            const QByteArray content = document.text();
-            PreferenceDraft draft(target, content);
-            // Bringing the draft to the disk takes long enough for another program to write.
-            const auto expected = parsed ? reading.fingerprint : FileFingerprint();
-            if (FileFingerprint::of(target) != expected && attempt < attempts)
-                continue;
-            error = draft.commit();
-            if (error.isEmpty())
-                m_content = content;
-        }
-        if (error.isEmpty()) {
-            m_unsaved.clear();
-            watch();
-            return {};
-        }
-    }
-    return error;
-}
-
-QString PreferenceFile::setAside(const QByteArray& target, const QByteArray& content)
-{
-    const auto failed = [&] { return PosixError::saving(m_corruptPath, errno).description(); };
-    if (target == m_path) {
-        ::chmod(m_path.constData(), 0600);
-        if (::rename(m_path.constData(), m_corruptPath.constData()) != 0)
-            return failed();
-    } else { // a link stays a link
-        try {
-            AtomicFile::replace(m_corruptPath, content, AtomicFile::Attributes());
-        } catch (const StorageError& error) {
-            return error.description();
-        }
-        if (::unlink(target.constData()) != 0)
-            return failed();
-    }
-    m_log.write(QStringLiteral("Kestro: the preferences didn't parse; kept them as %1")
-                    .arg(QFile::decodeName(m_corruptPath.mid(m_corruptPath.lastIndexOf('/') + 1))));
-    return {};
 }
 
 } // namespace kestro
