@@ -206,12 +206,23 @@ TEST_F(SingleInstanceTest, IsNotHeldUpByAStoppedOneAndTakesOverFromAKilledOne)
     EXPECT_TRUE(SingleInstance(m_folder, m_log).claim());
 }
 
-TEST_F(SingleInstanceTest, RunsWhereNothingCanBeLocked)
+TEST_F(SingleInstanceTest, FindsTheFirstWhereNothingCanBeLocked)
 {
-    writeFile(m_home.filePath(u"Library"_s), "a file in the way");
-    EXPECT_TRUE(SingleInstance(m_folder, m_log).claim());
-    ASSERT_EQ(m_log.lines.size(), 1);
-    EXPECT_TRUE(m_log.lines.first().startsWith(u"Kestro: couldn't lock "));
+    for (const bool lockedBefore : { true, false }) {
+        SCOPED_TRACE(lockedBefore);
+        m_log.lines.clear();
+        auto first = std::make_unique<SingleInstance>(m_folder, m_log);
+        QSignalSpy second(first.get(), &SingleInstance::secondStart);
+        ASSERT_TRUE(first->claim());
+        EXPECT_EQ(m_log.lines.size(), lockedBefore ? 0 : 1);
+        // The home folder goes while the first runs.
+        QFile::rename(m_home.filePath(u"Library"_s), m_home.filePath(u"Away"_s));
+        writeFile(m_home.filePath(u"Library"_s), "a file in the way");
+        EXPECT_EQ(Child([&] { ::_exit(SingleInstance(m_folder, m_log).claim() ? 1 : 2); }).exitCode(), 2);
+        EXPECT_TRUE(waitFor([&] { return !second.isEmpty(); }));
+    }
+    EXPECT_TRUE(SingleInstance(m_folder, m_log).claim()) << "the first has gone";
+    EXPECT_TRUE(m_log.lines.last().startsWith(u"Kestro: couldn't lock "));
 }
 
 TEST(StderrLog, WritesOneCleanLineAPiece)

@@ -5,11 +5,13 @@
 #include "Kestro/Platform/Log.h"
 #include "KestroCore/Support/PosixError.h"
 
+#include <QCryptographicHash>
 #include <QDeadlineTimer>
 #include <QFile>
 #include <QSocketNotifier>
 #include <cerrno>
 #include <chrono>
+#include <cstddef>
 #include <cstring>
 #include <fcntl.h>
 #include <poll.h>
@@ -17,6 +19,7 @@
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
+#include <unistd.h>
 
 namespace kestro {
 namespace {
@@ -47,6 +50,38 @@ private:
     sockaddr_un m_address{};
 };
 
+// A name in no folder, one for each user and home folder. It goes with the process.
+class AbstractAddress {
+public:
+    explicit AbstractAddress(const QByteArray& folder)
+    {
+        m_address.sun_family = AF_UNIX;
+        const QByteArray name = "kestro-" + QByteArray::number(::getuid()) + '-'
+            + QCryptographicHash::hash(folder, QCryptographicHash::Sha1).toHex();
+        std::memcpy(m_address.sun_path + 1, name.constData(), static_cast<size_t>(name.size()));
+        m_size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + static_cast<size_t>(name.size()));
+    }
+
+    const sockaddr* get() const { return reinterpret_cast<const sockaddr*>(&m_address); }
+    socklen_t size() const { return m_size; }
+
+private:
+    sockaddr_un m_address{};
+    socklen_t m_size = 0;
+};
+
+FileDescriptor connectionSocket()
+{
+    return FileDescriptor(::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+}
+
+bool isOurUser(const FileDescriptor& connection)
+{
+    ucred peer{};
+    socklen_t size = sizeof peer;
+    return ::getsockopt(connection.get(), SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 && peer.uid == ::getuid();
+}
+
 // Datagrams: the sender never waits for the one it tells, be that stopped or stuck.
 FileDescriptor datagramSocket()
 {
@@ -76,9 +111,10 @@ bool SingleInstance::claim()
         switch (tryLock()) {
         case Lock::Taken:
             listen();
+            holdName();
             return true;
         case Lock::Impossible:
-            return true;
+            return holdName() || !tellByName();
         case Lock::Held:
             if (tellFirst())
                 return false;
@@ -109,6 +145,36 @@ bool SingleInstance::tellFirst() const
     const InstanceAddress address(m_folder);
     // With a full queue it has been told often enough.
     return ::sendto(socket.get(), "s", 1, MSG_NOSIGNAL, address.get(), address.size()) == 1 || errno == EAGAIN;
+}
+
+bool SingleInstance::tellByName() const
+{
+    const FileDescriptor socket = connectionSocket();
+    const AbstractAddress address(m_folder);
+    // Being connected to is all that the first needs to know.
+    return ::connect(socket.get(), address.get(), address.size()) == 0 ? isOurUser(socket) : errno == EAGAIN;
+}
+
+bool SingleInstance::holdName()
+{
+    constexpr int waiting = 8;
+    FileDescriptor socket = connectionSocket();
+    const AbstractAddress address(m_folder);
+    if (::bind(socket.get(), address.get(), address.size()) != 0 || ::listen(socket.get(), waiting) != 0)
+        return false;
+    m_name = std::move(socket);
+    m_nameNotifier = std::make_unique<QSocketNotifier>(m_name.get(), QSocketNotifier::Read);
+    connect(m_nameNotifier.get(), &QSocketNotifier::activated, this, &SingleInstance::acceptSecond);
+    return true;
+}
+
+void SingleInstance::acceptSecond()
+{
+    bool told = false;
+    while (const FileDescriptor second{ ::accept4(m_name.get(), nullptr, nullptr, SOCK_CLOEXEC) })
+        told = isOurUser(second) || told;
+    if (told)
+        Q_EMIT secondStart();
 }
 
 void SingleInstance::listen()

@@ -13,6 +13,9 @@ class Log;
 
 /// One process a user: the first holds a lock in `folder`, and a second start only tells it so.
 /// The lock goes with the process, however that ends; a socket that a killed one left is no obstacle.
+///
+/// Where nothing can be locked (a home folder that is read-only or has gone), the first is known by an abstract socket.
+/// It always has one, but the lock comes first: anyone on the computer can take such a name.
 class SingleInstance : public QObject {
     Q_OBJECT
 public:
@@ -21,8 +24,8 @@ public:
     ~SingleInstance() override;
 
     /// Whether this process is the one to run. If not, the other has been told and this one ends.
-    /// Without a folder to lock in, it runs: better twice than never. May wait, two seconds at most, for one that is
-    /// just starting or ending.
+    /// With neither a lock nor the abstract name, it runs and says so: better twice than never. May wait, two seconds
+    /// at most, for one that is just starting or ending.
     bool claim();
 
 Q_SIGNALS:
@@ -32,14 +35,19 @@ private:
     enum class Lock { Taken, Held, Impossible };
     Lock tryLock();
     bool tellFirst() const;
+    bool tellByName() const;
+    bool holdName();
     void listen();
     void drain();
+    void acceptSecond();
 
     QByteArray m_folder;
     Log& m_log;
     FileDescriptor m_lock;
     FileDescriptor m_socket;
     std::unique_ptr<QSocketNotifier> m_notifier;
+    FileDescriptor m_name;
+    std::unique_ptr<QSocketNotifier> m_nameNotifier;
 };
 
 } // namespace kestro
