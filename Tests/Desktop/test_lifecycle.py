@@ -1,11 +1,19 @@
 """From start to end: one of it, whole files whatever ends it, and plain words where it cannot run."""
 
+import ctypes
 import json
 import os
 import signal
+import socket
+import subprocess
+import time
 import unittest
 
-from harness import HOME, PREFERENCES, DesktopTest, Kestro, read_preferences, wait_for, write_preferences
+import dbus
+
+from harness import (
+    HOME, PREFERENCES, DesktopTest, Kestro, read_preferences, wait_for, windows, write_preferences,
+)
 
 CLAUDE = HOME / ".claude" / "settings.json"
 
@@ -14,7 +22,109 @@ def hooked():
     return CLAUDE.exists() and "# kestro-hook" in CLAUDE.read_text()
 
 
+class DeadMount:
+    """A file system whose server never answers: whoever looks into `folder` hangs until it is killed. Needs root."""
+
+    def __init__(self, folder):
+        folder.mkdir(parents=True, exist_ok=True)
+        self._folder = bytes(folder)
+        self._server = os.open("/dev/fuse", os.O_RDWR)
+        self._libc = ctypes.CDLL(None, use_errno=True)
+        options = f"fd={self._server},rootmode=40000,user_id=0,group_id=0".encode()
+        if self._libc.mount(b"dead", self._folder, b"fuse", 0, options) != 0:
+            raise OSError(ctypes.get_errno(), "mount")
+
+    def end(self):
+        detach = 2
+        self._libc.umount2(self._folder, detach)
+        os.close(self._server)
+
+
 class Test(DesktopTest):
+    def mute_bus(self):
+        """The address of a bus that accepts and never answers."""
+        path = f"{os.environ['DESK_FOLDER']}/mute.bus"
+        server = socket.socket(socket.AF_UNIX)
+        self.addCleanup(server.close)
+        server.bind(path)
+        server.listen(64)
+        return f"unix:path={path}"
+
+    def dead_mount(self, folder):
+        mount = DeadMount(folder)
+        self.addCleanup(mount.end)
+
+    def expect_end_in_time(self, kestro, code):
+        asked = time.monotonic()
+        kestro.process.send_signal(signal.SIGTERM)
+        self.assertEqual(code, kestro.wait_end(), kestro.log())
+        self.assertLess(time.monotonic() - asked, 2)
+
+    def test_a_queue_in_a_dead_mount_does_not_hold_up_the_end(self):
+        self.dead_mount(HOME / ".codex/sessions")
+        kestro = self.using(Kestro({"limitsEnabled": True, "onlyOurs": "kept"}))
+        kestro.tree.wait("button", "AI")
+        self.expect_end_in_time(kestro, 0)
+        self.assertIn("launcherItems", read_preferences())
+
+    def test_preferences_in_a_dead_mount_hold_up_neither_the_dock_nor_the_end(self):
+        kestro = self.using(Kestro({}))
+        wait_for(lambda: "launcherItems" in read_preferences())
+        self.dead_mount(PREFERENCES.parent)
+        subprocess.run([os.environ["KESTRO"]], check=True, timeout=5)
+        kestro.tree.wait("page tab", "Appearance").press()
+        kestro.tree.wait("checkbox", "Magnification").press()
+        wait_for(lambda: "checked" in kestro.tree.find("checkbox", "Magnification").states)
+        kestro.tree.wait("page tab", "General").press()
+        kestro.tree.wait("heading", "General")
+        self.expect_end_in_time(kestro, 1)
+        self.assertIn("not everything could be saved", kestro.log())
+
+    def test_a_mute_bus_does_not_hold_up_the_first_picture(self):
+        mute = self.mute_bus()
+        for variables in [("DBUS_SYSTEM_BUS_ADDRESS",), ("DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS")]:
+            with self.subTest(variables):
+                began = time.monotonic()
+                kestro = Kestro({}, environment=dict.fromkeys(variables, mute)).start()
+                self.addCleanup(kestro.process.kill)
+                wait_for(lambda kestro=kestro: windows(kestro.pid))
+                self.assertLess(time.monotonic() - began, 3)
+                if len(variables) == 1:
+                    kestro.tree.wait("button", "Stats")
+                self.expect_end_in_time(kestro, 0)
+
+    def test_a_mute_accessibility_service_does_not_either(self):
+        bus = dbus.bus.BusConnection(os.environ["DBUS_SESSION_BUS_ADDRESS"])
+        self.addCleanup(bus.close)
+        for name in ["org.a11y.Bus", "org.freedesktop.portal.Desktop", "org.kde.StatusNotifierWatcher"]:
+            bus.request_name(name)  # and nobody reads what is asked under it
+        began = time.monotonic()
+        kestro = Kestro({}, environment={"QT_LINUX_ACCESSIBILITY_ALWAYS_ON": None}).start()
+        self.addCleanup(kestro.process.kill)
+        wait_for(lambda: windows(kestro.pid))
+        self.assertLess(time.monotonic() - began, 3)
+        self.assertIn("accessibility", kestro.log())
+        self.expect_end_in_time(kestro, 0)
+
+    def test_without_its_home_folder_a_second_start_finds_the_first(self):
+        first = self.using(Kestro({}))
+        library = HOME / "Library"
+        library.rename(HOME / "Away")
+        library.write_text("in the way")
+        self.assertEqual(0, Kestro().start().wait_end())
+        first.tree.wait("page tab", "General")
+
+    def test_a_home_that_is_no_whole_path_is_refused(self):
+        self.addCleanup(os.chdir, os.getcwd())
+        os.chdir(HOME)
+        for home in ["", ".", "home/u", None]:
+            with self.subTest(home):
+                kestro = Kestro(environment={"HOME": home}).start()
+                self.assertEqual(1, kestro.wait_end())
+                self.assertEqual(1, len(kestro.log().splitlines()), kestro.log())
+                kestro._log.unlink()
+        self.assertFalse((HOME / "Library").exists() or (HOME / "home").exists())
+
     def test_a_second_start_leaves_the_first(self):
         first = self.using(Kestro({}))
         self.assertEqual(0, Kestro().start().wait_end())

@@ -1,4 +1,5 @@
 #include "Helpers.h"
+#include "Platforms/Linux/DBus/BusProbe.h"
 #include "Platforms/Linux/DBus/DesktopAppearance.h"
 #include "Platforms/Linux/DBus/LogindEvents.h"
 #include "Platforms/Linux/DBus/PortalLook.h"
@@ -11,6 +12,8 @@
 #include <QDBusMetaType>
 #include <QDBusVirtualObject>
 #include <QGuiApplication>
+#include <QLocalServer>
+#include <QLocalSocket>
 #include <QPalette>
 #include <QSignalSpy>
 
@@ -18,6 +21,7 @@ namespace kestro {
 namespace {
 
 using namespace test;
+using namespace std::chrono_literals;
 
 using Settings = QMap<QString, QVariantMap>;
 
@@ -167,7 +171,8 @@ TEST(LogindEvents, TellSleepAndTheBeginningOfTheEnd)
     PrivateBus bus;
     QDBusConnection logind = bus.connection();
     const QDBusConnection stranger = bus.connection();
-    LogindEvents events(bus.connection());
+    LogindEvents events;
+    events.attach(bus.connection());
     ASSERT_TRUE(logind.registerService(u"org.freedesktop.login1"_s)); // it may come later than we
     QStringList told;
     QObject::connect(&events, &LogindEvents::willSleep, [&] { told.append(u"sleep"_s); });
@@ -228,7 +233,8 @@ TEST(LogindEvents, TellTheLockOfOurSessionAlone)
     FakeLogind logind;
     logindBus.registerVirtualObject(u"/"_s, &logind, QDBusConnection::SubPath);
     ASSERT_TRUE(logindBus.registerService(u"org.freedesktop.login1"_s));
-    LogindEvents events(bus.connection());
+    LogindEvents events;
+    events.attach(bus.connection());
     QSignalSpy locks(&events, &LogindEvents::didLock);
     for (const Case& c : cases) {
         qputenv("XDG_SESSION_ID", c.sessionId);
@@ -242,11 +248,43 @@ TEST(LogindEvents, TellTheLockOfOurSessionAlone)
     qunsetenv("XDG_SESSION_ID");
 }
 
+TEST(BusProbe, TellsABusThatAnswersFromOneThatIsSilentOrMissing)
+{
+    using enum BusProbe::State;
+    const PrivateBus bus;
+    const QTemporaryDir folder;
+    const QByteArray path = QFile::encodeName(folder.filePath(u"mute bus"_s));
+    QLocalServer mute; // nobody accepts: the kernel does
+    ASSERT_TRUE(mute.listen(QFile::decodeName(path)));
+    QLocalServer abstract;
+    abstract.setSocketOptions(QLocalServer::AbstractNamespaceOption);
+    ASSERT_TRUE(abstract.listen(QFile::decodeName(path)));
+    const QByteArray missing = "unix:path=" + path + ".missing";
+    const std::pair<QByteArray, BusProbe::State> cases[] = {
+        { bus.address(), Answering }, { missing + ';' + bus.address(), Answering },
+        { "unix:path=" + path.toPercentEncoding("/"), Silent },
+        { "unix:guid=0,abstract=" + path.toPercentEncoding("/"), Silent }, { missing, Absent },
+        { "unix:path=" + QByteArray(200, 'x'), Absent }, { "autolaunch:", Absent }, { "", Absent },
+        { "tcp:host=127.0.0.1,port=1", Answering }, // not asked
+    };
+    for (const auto& [address, state] : cases)
+        EXPECT_EQ(BusProbe(address).wait(state == Answering ? 5s : 20ms), state) << address.constData();
+
+    BusProbe late("unix:path=" + path);
+    ASSERT_EQ(late.wait(0ms), Silent);
+    QObject::connect(&mute, &QLocalServer::newConnection, &mute, [&] {
+        while (QLocalSocket* const socket = mute.nextPendingConnection())
+            socket->write("OK\r\n");
+    });
+    EXPECT_TRUE(waitFor([&] { return late.wait(0ms) == Answering; }));
+}
+
 TEST(ScreenLock, HearsEveryDesktopsOwn)
 {
     PrivateBus bus;
     const QDBusConnection saver = bus.connection();
-    ScreenLock lock(bus.connection());
+    ScreenLock lock;
+    lock.attach(bus.connection());
     QSignalSpy locks(&lock, &ScreenLock::didLock);
     int expected = 0;
     for (const char* const sender : { "freedesktop", "gnome", "xfce", "cinnamon", "mate" }) {

@@ -24,6 +24,8 @@ public:
         m_daemon.waitForFinished(5000);
     }
 
+    QByteArray address() const { return m_address.toUtf8(); }
+
     /// Each call gives a connection of its own, so that a service and its user do not meet inside Qt.
     QDBusConnection connection()
     {

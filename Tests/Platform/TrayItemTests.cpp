@@ -102,6 +102,19 @@ protected:
     };
 };
 
+TEST_F(TrayItemTest, MovesToABusThatComesLate)
+{
+    startWatcher();
+    TrayItem late(QDBusConnection(QString()), m_fallback, [](QPoint pixel) { return QPointF(pixel); });
+    late.show(drawing, m_menu);
+    EXPECT_TRUE(m_fallback.shown);
+    late.attach(m_bus.connection());
+    EXPECT_TRUE(waitFor([&] { return m_watcher.items.contains(m_name) && !m_fallback.shown; }));
+    EXPECT_EQ(
+        ask(u"/StatusNotifierItem"_s, u"org.freedesktop.DBus.Properties"_s, u"GetAll"_s, { itemInterface }).type(),
+        QDBusMessage::ReplyMessage);
+}
+
 TEST_F(TrayItemTest, IsWhereThePanelIsWheneverItComes)
 {
     startWatcher();

@@ -26,10 +26,16 @@ Look qtLook()
 } // namespace
 
 DesktopAppearance::DesktopAppearance(const QDBusConnection& sessionBus)
-    : m_bus(sessionBus)
+    : m_bus(QString())
     , m_look(qtLook())
 {
     qDBusRegisterMetaType<QMap<QString, QVariantMap>>();
+    attach(sessionBus);
+}
+
+void DesktopAppearance::attach(const QDBusConnection& sessionBus)
+{
+    m_bus = sessionBus;
     if (!m_bus.isConnected())
         return;
     // From any sender: naming one makes QtDBus wait for its owner. Nothing that is told here is believed, it is asked

@@ -14,8 +14,10 @@ namespace kestro {
 class DesktopAppearance final : public Appearance {
     Q_OBJECT
 public:
-    /// Asks at once and does not wait.
+    /// Asks at once, where the bus is connected, and does not wait.
     explicit DesktopAppearance(const QDBusConnection& sessionBus);
+    /// The same for a bus that came late.
+    void attach(const QDBusConnection& sessionBus);
 
     Look look() const override { return m_look; }
 

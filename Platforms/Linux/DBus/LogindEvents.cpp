@@ -19,10 +19,14 @@ QDBusMessage call(const QString& path, const QString& interface, const QString& 
 
 } // namespace
 
-LogindEvents::LogindEvents(const QDBusConnection& systemBus, QObject* parent)
+LogindEvents::LogindEvents(QObject* parent)
     : QObject(parent)
-    , m_bus(systemBus)
 {
+}
+
+void LogindEvents::attach(const QDBusConnection& systemBus)
+{
+    m_bus = systemBus;
     if (!m_bus.isConnected())
         return;
     // The service is named so that nobody else on the bus, which every user shares, can end the program.

@@ -12,7 +12,9 @@ namespace kestro {
 class LogindEvents : public QObject {
     Q_OBJECT
 public:
-    explicit LogindEvents(const QDBusConnection& systemBus, QObject* parent = nullptr);
+    explicit LogindEvents(QObject* parent = nullptr);
+    /// From now on, where the bus is connected. Once.
+    void attach(const QDBusConnection& systemBus);
 
 Q_SIGNALS:
     void willSleep(); ///< the machine is about to sleep
@@ -28,7 +30,7 @@ private Q_SLOTS:
 private:
     void ask(const QDBusMessage& message, std::function<void(const QVariant&)> take);
 
-    QDBusConnection m_bus;
+    QDBusConnection m_bus{ QString() };
 };
 
 } // namespace kestro

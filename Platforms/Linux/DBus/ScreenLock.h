@@ -9,7 +9,9 @@ namespace kestro {
 class ScreenLock : public QObject {
     Q_OBJECT
 public:
-    explicit ScreenLock(const QDBusConnection& sessionBus, QObject* parent = nullptr);
+    explicit ScreenLock(QObject* parent = nullptr);
+    /// From now on, where the bus is connected. Once.
+    void attach(QDBusConnection sessionBus);
 
 Q_SIGNALS:
     void didLock(); ///< told as often as the desktop tells it, which may be by several names at once

@@ -37,6 +37,13 @@ TrayHost::TrayHost(const QDBusConnection& sessionBus)
 {
 }
 
+void TrayHost::attach(const QDBusConnection& sessionBus)
+{
+    m_bus = sessionBus;
+    if (std::exchange(m_announced, false))
+        announce();
+}
+
 void TrayHost::announce()
 {
     if (std::exchange(m_announced, true))

@@ -15,6 +15,9 @@ class TrayHost : public QObject {
 public:
     explicit TrayHost(const QDBusConnection& sessionBus);
 
+    /// A bus that came late; what was announced is announced there.
+    void attach(const QDBusConnection& sessionBus);
+
     /// Makes the item known under a name of this process now and whenever a new watcher of items comes.
     void announce();
     void withdraw();

@@ -23,6 +23,14 @@ TrayItem::TrayItem(const QDBusConnection& sessionBus, StatusItem& fallback, std:
 
 TrayItem::~TrayItem() { TrayItem::hide(); }
 
+void TrayItem::attach(const QDBusConnection& sessionBus)
+{
+    m_bus = sessionBus;
+    if (m_shown)
+        exportObjects();
+    m_host.attach(sessionBus);
+}
+
 void TrayItem::show(std::function<QImage(int)> icon, QList<MenuEntry> menu)
 {
     m_icon = std::move(icon);
