@@ -34,9 +34,34 @@ Rectangle {
         current: root.pane
         onChosen: pane => root.model.settingsPane = pane
     }
+    Rectangle {
+        id: notSaved
+
+        readonly property string error: root.settings.preferences.saveError
+
+        anchors { left: sidebar.right; right: parent.right; top: parent.top }
+        height: visible ? words.height + 20 : 0
+        visible: error !== ""
+        color: Theme.group
+
+        Caption {
+            id: words
+
+            x: Theme.horizontalPadding
+            y: 10
+            width: parent.width - 2 * x
+            text: notSaved.error === "" ? "" : "Your changes aren't saved yet. " + notSaved.error
+            warning: true
+        }
+        Rectangle {
+            anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
+            height: 1
+            color: Theme.hairline
+        }
+    }
     Loader {
         id: shown
 
-        anchors { left: sidebar.right; right: parent.right; top: parent.top; bottom: parent.bottom }
+        anchors { left: sidebar.right; right: parent.right; top: notSaved.bottom; bottom: parent.bottom }
     }
 }

@@ -35,6 +35,8 @@ QVariantList SettingsWindow::shortcuts() const
     return sections;
 }
 
+PreferenceStore* SettingsWindow::preferences() const { return &m_model.platform().preferences; }
+
 QVariantList SettingsWindow::panes(const QString& search) const
 {
     QVariantList rows;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Kestro/Platform/PreferenceStore.h"
 #include "Kestro/Settings/GeneralSettings.h"
 #include "Kestro/Settings/LayoutList.h"
 #include "Kestro/Settings/ShortcutList.h"
@@ -16,6 +17,7 @@ class AppModel;
 /// Main thread.
 class SettingsWindow final : public FullWindow {
     Q_OBJECT
+    Q_PROPERTY(kestro::PreferenceStore* preferences READ preferences CONSTANT)
     Q_PROPERTY(kestro::GeneralSettings* general READ general CONSTANT)
     Q_PROPERTY(kestro::AppearanceSettings* appearance READ appearance CONSTANT)
     Q_PROPERTY(kestro::LayoutList* layout READ layout CONSTANT)
@@ -28,6 +30,7 @@ public:
     /// The panes that `search` finds, as the list shows them.
     Q_INVOKABLE QVariantList panes(const QString& search) const;
 
+    PreferenceStore* preferences() const;
     GeneralSettings* general() { return &m_general; }
     AppearanceSettings* appearance() { return &m_appearance; }
     LayoutList* layout() { return &m_layout; }

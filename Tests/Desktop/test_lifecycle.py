@@ -106,6 +106,17 @@ class Test(DesktopTest):
         self.assertIn("accessibility", kestro.log())
         self.expect_end_in_time(kestro, 0)
 
+    def test_a_setting_that_could_not_be_saved_is_told_until_it_is(self):
+        PREFERENCES.mkdir(parents=True)  # in the file's place, which binds root too
+        kestro = self.using(Kestro())
+        subprocess.run([os.environ["KESTRO"]], check=True, timeout=5)
+        def told(name):
+            return name.startswith("Your changes aren't saved yet. ")
+        self.assertTrue(kestro.tree.wait("label", told).name.endswith("it isn't an ordinary file."))
+        PREFERENCES.rmdir()
+        kestro.tree.wait_gone("label", told)
+        self.assertIn("launcherItems", read_preferences())
+
     def test_without_its_home_folder_a_second_start_finds_the_first(self):
         first = self.using(Kestro({}))
         library = HOME / "Library"
