@@ -24,7 +24,8 @@ public:
 
     /// Opens the window of a widget that has one, or brings it to the front.
     void open(WidgetKind kind);
-    /// Deferred delete: a window that has just closed is still on the call stack.
+    /// A deferred delete: the handler of the window's own event is still running. If the loop ends first, the
+    /// destructor deletes it.
     void leave(std::unique_ptr<QWindow> window);
 
 private:

@@ -237,7 +237,7 @@ TEST_F(SidebarControllerTest, anEmptyLayoutOpensAndClosesWithoutACard)
 {
     start({ { QStringLiteral("sidebarVisibility"), QStringLiteral("autoHide") } });
     while (!model->visibleItems().isEmpty())
-        model->removeItem(model->visibleItems().first());
+        model->items().removeItem(model->visibleItems().first());
     platform.loop.turn();
     sidebar->toggle();
     EXPECT_TRUE(sidebar->state().revealed());

@@ -34,7 +34,7 @@ TEST_F(SidebarItemsTest, theMenuMovesAddsAndRemoves)
     run(0, "Move Down");
     EXPECT_TRUE(model->visibleItems().at(0).isDivider());
     run(2, "Remove (turns AI off)");
-    EXPECT_FALSE(model->agentsEnabled());
+    EXPECT_FALSE(agents().isOn());
     EXPECT_EQ(2, model->visibleItems().size());
 
     ASSERT_EQ(std::nullopt,

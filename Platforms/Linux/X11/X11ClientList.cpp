@@ -15,13 +15,13 @@ constexpr uint32_t longestList = 16'384; // windows
 
 using Windows = std::vector<xcb_window_t>;
 
-xcb_get_property_cookie_t ask(X11Connection& connection, const char* name)
+xcb_get_property_cookie_t askList(X11Connection& connection, const char* name)
 {
     return xcb_get_property(
         connection.raw(), false, connection.root(), connection.atom(name), XCB_ATOM_WINDOW, 0, longestList);
 }
 
-Windows answer(X11Connection& connection, xcb_get_property_cookie_t cookie)
+Windows listIn(X11Connection& connection, xcb_get_property_cookie_t cookie)
 {
     const auto reply = connection.reply(xcb_get_property_reply, cookie);
     if (!reply || reply->format != 32)
@@ -33,8 +33,8 @@ Windows answer(X11Connection& connection, xcb_get_property_cookie_t cookie)
 /// The window's ancestor below the root: its frame, or itself.
 xcb_window_t frameOf(X11Connection& connection, xcb_window_t window)
 {
-    constexpr int deepest = 8;
-    for (int depth = 0; depth < deepest; ++depth) {
+    constexpr int deepestFrame = 8;
+    for (int depth = 0; depth < deepestFrame; ++depth) {
         const auto tree = connection.reply(xcb_query_tree_reply, xcb_query_tree(connection.raw(), window));
         if (!tree || tree->parent == tree->root || tree->parent == XCB_NONE)
             break;
@@ -72,10 +72,10 @@ X11ClientList::X11ClientList(X11Connection& connection)
 // Some window managers keep no order, and xfwm4 none while there is one window; its order can lack the newest window.
 std::vector<xcb_window_t> X11ClientList::read(X11Connection& connection)
 {
-    const auto ordered = ask(connection, "_NET_CLIENT_LIST_STACKING");
-    const auto listed = ask(connection, "_NET_CLIENT_LIST");
-    Windows stacking = answer(connection, ordered);
-    const Windows all = answer(connection, listed);
+    const auto ordered = askList(connection, "_NET_CLIENT_LIST_STACKING");
+    const auto listed = askList(connection, "_NET_CLIENT_LIST");
+    Windows stacking = listIn(connection, ordered);
+    const Windows all = listIn(connection, listed);
     if (stacking.empty() && all.size() > 1) {
         stacking = all;
         sortByServer(connection, stacking);
