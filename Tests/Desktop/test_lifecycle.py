@@ -1,11 +1,13 @@
 """From start to end: one of it, whole files whatever ends it, and plain words where it cannot run."""
 
+import contextlib
 import ctypes
 import json
 import os
 import signal
 import socket
 import subprocess
+import threading
 import time
 import unittest
 
@@ -40,15 +42,32 @@ class DeadMount:
         os.close(self._server)
 
 
+def relay(server):
+    """Lets a mute bus answer: what comes to `server` is the session bus's from now on."""
+    def pump(source, sink):
+        with contextlib.suppress(OSError):
+            while data := source.recv(65536):
+                sink.sendall(data)
+            sink.shutdown(socket.SHUT_WR)
+
+    with contextlib.suppress(OSError):
+        while True:
+            client, _ = server.accept()
+            bus = socket.socket(socket.AF_UNIX)
+            bus.connect(os.environ["DBUS_SESSION_BUS_ADDRESS"].removeprefix("unix:path="))
+            for ends in [(client, bus), (bus, client)]:
+                threading.Thread(target=pump, args=ends, daemon=True).start()
+
+
 class Test(DesktopTest):
     def mute_bus(self):
-        """The address of a bus that accepts and never answers."""
+        """A bus that accepts and never answers: its socket and its address."""
         path = f"{os.environ['DESK_FOLDER']}/mute.bus"
         server = socket.socket(socket.AF_UNIX)
         self.addCleanup(server.close)
         server.bind(path)
         server.listen(64)
-        return f"unix:path={path}"
+        return server, f"unix:path={path}"
 
     def dead_mount(self, folder):
         mount = DeadMount(folder)
@@ -81,7 +100,7 @@ class Test(DesktopTest):
         self.assertIn("not everything could be saved", kestro.log())
 
     def test_a_mute_bus_does_not_hold_up_the_first_picture(self):
-        mute = self.mute_bus()
+        _, mute = self.mute_bus()
         for variables in [("DBUS_SYSTEM_BUS_ADDRESS",), ("DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS")]:
             with self.subTest(variables):
                 began = time.monotonic()
@@ -92,6 +111,16 @@ class Test(DesktopTest):
                 if len(variables) == 1:
                     kestro.tree.wait("button", "Stats")
                 self.expect_end_in_time(kestro, 0)
+
+    def test_a_bus_that_answers_late_is_used_then(self):
+        server, mute = self.mute_bus()
+        kestro = Kestro({}, environment={"DBUS_SESSION_BUS_ADDRESS": mute}).start()
+        self.addCleanup(kestro.process.kill)
+        wait_for(lambda: windows(kestro.pid))
+        threading.Thread(target=relay, args=(server,), daemon=True).start()
+        bus = dbus.bus.BusConnection(os.environ["DBUS_SESSION_BUS_ADDRESS"])
+        wait_for(lambda: bus.name_has_owner(f"org.kde.StatusNotifierItem-{kestro.pid}-1"))
+        self.expect_end_in_time(kestro, 0)
 
     def test_a_mute_accessibility_service_does_not_either(self):
         bus = dbus.bus.BusConnection(os.environ["DBUS_SESSION_BUS_ADDRESS"])
