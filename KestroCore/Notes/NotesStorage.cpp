@@ -72,6 +72,15 @@ void NotesStorage::save(const QString& text) const
     AtomicFile::replace(QFile::encodeName(target.isEmpty() ? path : target), text.toUtf8(), AtomicFile::Attributes{});
 }
 
+qsizetype NotesStorage::length(const QString& text)
+{
+    QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, text);
+    qsizetype count = 0;
+    while (characters.toNextBoundary() >= 0)
+        ++count;
+    return count;
+}
+
 QString NotesStorage::capped(const QString& text, qsizetype length)
 {
     if (text.size() <= length)

@@ -22,7 +22,9 @@ struct NotesStorage {
     /// Replaces the file at once, for the user alone, and creates its folder. Throws StorageError.
     void save(const QString& text) const;
 
-    /// The first `length` characters of `text`.
+    /// How many characters `text` has.
+    static qsizetype length(const QString& text);
+    /// The first `length` of them.
     static QString capped(const QString& text, qsizetype length = maxLength);
 };
 

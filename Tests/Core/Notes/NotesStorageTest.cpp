@@ -137,8 +137,10 @@ TEST(NotesLength, CountsCharactersAsUsersDo)
         { "just fits in many units", family + family + family, family + family + family },
         { "a line end of two", QStringLiteral("a\r\nbc"), QStringLiteral("a\r\nb") },
     };
-    for (const auto& [what, text, kept] : table)
+    for (const auto& [what, text, kept] : table) {
         EXPECT_EQ(NotesStorage::capped(text, 3), kept) << what;
+        EXPECT_EQ(NotesStorage::length(kept), std::min<qsizetype>(NotesStorage::length(text), 3)) << what;
+    }
     const QString full(NotesStorage::maxLength, u'x');
     EXPECT_EQ(NotesStorage::capped(full + u'y'), full);
 }
