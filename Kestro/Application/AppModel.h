@@ -6,6 +6,7 @@
 #include "Kestro/Platform/Platform.h"
 #include "Kestro/Shortcuts/ShortcutAssignments.h"
 #include "Kestro/Statistics/StatsFeature.h"
+#include "Kestro/Timer/TimerFeature.h"
 #include "Kestro/Widgets/ItemShortcuts.h"
 #include "Kestro/Widgets/WidgetItems.h"
 
@@ -96,6 +97,7 @@ private:
     // Every feature, in start order
     StatsFeature m_stats{ m_host, m_platform.loop, m_platform.preferences, m_platform.counters };
     AgentsFeature m_agents;
+    TimerFeature m_timer{ m_host, m_launcher, { m_platform.loop, m_platform.preferences, m_platform.session } };
 };
 
 } // namespace kestro

@@ -10,7 +10,7 @@
 namespace kestro {
 
 namespace {
-constexpr double oldEnding = 60; // seconds
+constexpr double maxNoticeAge = 60; // seconds
 }
 
 TimerActivity::TimerActivity(
@@ -31,7 +31,7 @@ TimerActivity::~TimerActivity()
 void TimerActivity::post(Date since)
 {
     m_pendingDone.reset();
-    if (m_loop.now() - since >= oldEnding || !prefs::liveActivity.read(m_preferences, u"timer"))
+    if (m_loop.now() - since >= maxNoticeAge || !prefs::liveActivity.read(m_preferences, u"timer"))
         return;
     if (!m_notices.show(symbols::timer, QStringLiteral("Timer done")))
         m_pendingDone = since;

@@ -16,20 +16,20 @@ class TimerNotices {
 public:
     virtual ~TimerNotices() = default;
 
-    /// False where an open card or an agent that waits for the user is in the way.
+    /// Returns false if notices are blocked: a card is open, or an agent waits for the user.
     virtual bool show(const QString& symbol, const QString& title) = 0;
 };
 
 /// Tells the user that the timer has ended. Main thread.
 class TimerActivity {
 public:
-    /// Takes `model`'s `onDone`. All must outlive it.
+    /// Replaces `model.onDone`. All arguments must outlive this object.
     TimerActivity(TimerModel& model, MainLoop& loop, const PreferenceStore& preferences, TimerNotices& notices);
     TimerActivity(const TimerActivity&) = delete;
     TimerActivity& operator=(const TimerActivity&) = delete;
     ~TimerActivity();
 
-    /// What was in the way of notices is gone: one that could not be shown is tried again, for a minute.
+    /// Call this when notices are no longer blocked. Retries a blocked notice that is less than a minute old.
     void unblocked();
 
 private:

@@ -2,14 +2,16 @@ import QtQuick
 import Kestro.Style
 import Kestro.Timer
 
-// The timer's card: what remains above what can be chosen.
+// The timer's card: time and controls above the presets.
 Item {
     id: root
 
-    required property TimerReadout timer
+    required property TimerWidget widget
+    required property QtObject toolTips
+    readonly property TimerReadout timer: widget.timer
     readonly property real upperHeight: 28 * Theme.growth
 
-    // A button of one sign, whose name says what it does.
+    // Shows `sign`; its accessible name is `label`.
     component StepButton: Pressable {
         id: step
 
@@ -40,7 +42,7 @@ Item {
 
         Figures {
             anchors.verticalCenter: parent.verticalCenter
-            // Wide enough for the longest time, so that the buttons stand still.
+            // As wide as the longest time, so that the buttons keep their place.
             width: Math.ceil(longest.implicitWidth)
             text: root.timer.time
             font: Theme.paneFont
@@ -84,7 +86,7 @@ Item {
         }
         PushButton {
             anchors.verticalCenter: parent.verticalCenter
-            // As wide as either word needs, so that a second press meets the button again.
+            // As wide as the longer of both words, so that the button keeps its place.
             implicitWidth: Math.ceil(Math.max(start.implicitWidth, pause.implicitWidth)) + 24
             label: root.timer.running ? "Pause" : "Start"
             prominent: true

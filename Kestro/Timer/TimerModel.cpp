@@ -12,7 +12,7 @@ namespace kestro {
 
 namespace {
 
-constexpr double behindTheEnd = 0.05; // seconds
+constexpr double checkDelay = 0.05; // seconds after the end time
 
 TimerState storedState(const PreferenceStore& preferences)
 {
@@ -25,13 +25,13 @@ TimerState storedState(const PreferenceStore& preferences)
 
 } // namespace
 
-TimerModel::TimerModel(MainLoop& loop, PreferenceStore& preferences, const SessionEvents& session, TimerSound& sound)
+TimerModel::TimerModel(MainLoop& loop, PreferenceStore& preferences, const SessionEvents& session, TimerSound* sound)
     : m_loop(loop)
     , m_preferences(preferences)
     , m_sound(sound)
     , m_state(storedState(preferences))
 {
-    // The loop's clock stands still while the computer sleeps.
+    // The loop's monotonic clock does not advance during suspend.
     connect(&session, &SessionEvents::didWake, this, &TimerModel::finishIfDue);
 }
 
@@ -95,7 +95,7 @@ void TimerModel::schedule()
     if (!m_active || !until)
         return;
     const double left = std::max(0.0, *until - m_loop.now());
-    m_finishWork = m_loop.after(left + behindTheEnd, [this] { finishIfDue(); });
+    m_finishWork = m_loop.after(left + checkDelay, [this] { finishIfDue(); });
 }
 
 void TimerModel::finishIfDue()
@@ -103,7 +103,8 @@ void TimerModel::finishIfDue()
     if (!m_active || !m_state.isFinished(m_loop.now()))
         return schedule();
     reset();
-    m_sound.play();
+    if (m_sound)
+        m_sound->play();
     onDone();
 }
 

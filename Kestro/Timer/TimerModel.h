@@ -12,17 +12,17 @@ class PreferenceStore;
 class SessionEvents;
 class TimerSound;
 
-/// The one countdown: stored after each change, and checked once, at its end. Main thread.
+/// The timer's state with persistence, the check at the end time, the sound and the callback. Main thread.
 class TimerModel final : public QObject {
     Q_OBJECT
 public:
-    /// All of these must outlive the model.
-    TimerModel(MainLoop& loop, PreferenceStore& preferences, const SessionEvents& session, TimerSound& sound);
+    /// All must outlive it. `sound` may be null.
+    TimerModel(MainLoop& loop, PreferenceStore& preferences, const SessionEvents& session, TimerSound* sound);
 
     const TimerState& state() const { return m_state; }
     double remaining() const { return m_state.remaining(m_loop.now()); }
 
-    /// Whether the dock has a timer. While it has none, an end passes without a sound.
+    /// Whether the layout holds the timer widget. An inactive timer schedules nothing and ends silently.
     bool active() const { return m_active; }
     void setActive(bool active);
 
@@ -30,14 +30,14 @@ public:
     void startOrPause();
     void adjust(int minutes);
     void reset();
-    /// Ends the timer if its end has come. A view that shows 0:00 calls this: the loop's own check may come later,
-    /// since the loop does not know when the clock was changed.
+    /// Ends the timer if its end time has passed. The readout calls this too: the loop uses the monotonic clock, so
+    /// after a change of the wall clock the scheduled check may be late.
     void finishIfDue();
 
-    /// Whether the readout beside the notch shows, which the agents' own takes the place of.
+    /// Whether the wings beside the notch show the timer. The agents' wings take precedence.
     bool showsWings(bool agentsShowWings) const { return !agentsShowWings && m_active && m_state.isRunning(); }
 
-    /// Called at each end that was not missed.
+    /// Called when the timer ends while active.
     std::function<void()> onDone = [] {};
 
 Q_SIGNALS:
@@ -49,7 +49,7 @@ private:
 
     MainLoop& m_loop;
     PreferenceStore& m_preferences;
-    TimerSound& m_sound;
+    TimerSound* m_sound;
     TimerState m_state;
     bool m_active = false;
     WorkItem m_finishWork;

@@ -3,11 +3,12 @@
 #include "Kestro/Timer/TimerModel.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace kestro {
 
 namespace {
-constexpr double behindTheChange = 0.005; // seconds: a check before the change would have to be repeated
+constexpr double refreshDelay = 0.005; // seconds; a refresh before the text changes would have to be repeated
 }
 
 TimerReadout::TimerReadout(TimerModel& model, MainLoop& loop)
@@ -20,14 +21,16 @@ TimerReadout::TimerReadout(TimerModel& model, MainLoop& loop)
 
 void TimerReadout::setCardShown(bool shown)
 {
-    m_cardShown = shown;
-    refresh();
+    if (std::exchange(m_cardShown, shown) != shown)
+        refresh();
 }
 
 void TimerReadout::setTileShown(bool shown)
 {
-    m_tileShown = shown;
+    if (std::exchange(m_tileShown, shown) == shown)
+        return;
     refresh();
+    Q_EMIT tileChanged();
 }
 
 bool TimerReadout::isRunning() const { return m_model.state().isRunning(); }
@@ -46,19 +49,20 @@ void TimerReadout::refresh()
     const double left = m_model.remaining();
     if ((m_cardShown || m_tileShown) && m_model.active() && isRunning() && left <= 0) {
         m_nextWork.cancel();
-        return m_model.finishIfDue(); // which comes back here, with the timer at rest
+        return m_model.finishIfDue(); // the model emits `changed`, which calls `refresh` again
     }
-    const double length = std::max(m_model.state().duration, 1.0);
-    const QString shortTime = TimerState::wingText(left);
     m_time = TimerState::format(left);
     scheduleNext();
     Q_EMIT changed();
-    const double share = std::min(double(TimerState::wholeSeconds(left)) / length, 1.0);
-    if (shortTime == m_shortTime && (isRunning() || share == m_share))
+
+    const double length = std::max(m_model.state().duration, 1.0);
+    const Tile tile{ m_model.state().phase.index(), TimerState::wingText(left),
+        std::min(double(TimerState::wholeSeconds(left)) / length, 1.0) };
+    // The ring of a running timer changes with the tile's text only, so the card's ticks do not redraw the tile.
+    if (tile.phase == m_tile.phase && tile.text == m_tile.text && (isRunning() || tile.share == m_tile.share))
         return;
-    m_shortTime = shortTime;
-    m_share = share;
-    Q_EMIT shortTimeChanged();
+    m_tile = tile;
+    Q_EMIT tileChanged();
 }
 
 void TimerReadout::scheduleNext()
@@ -69,9 +73,9 @@ void TimerReadout::scheduleNext()
     const double left = m_model.remaining();
     const qint64 whole = TimerState::wholeSeconds(left);
     if (whole == 0)
-        return; // an end that nobody acts on
+        return;
     const qint64 next = m_cardShown || whole <= 60 ? whole - 1 : (whole - 1) / 60 * 60;
-    m_nextWork = m_loop.after(left - double(next) + behindTheChange, [this] { refresh(); });
+    m_nextWork = m_loop.after(left - double(next) + refreshDelay, [this] { refresh(); });
 }
 
 } // namespace kestro

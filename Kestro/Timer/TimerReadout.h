@@ -11,14 +11,14 @@ namespace kestro {
 
 class TimerModel;
 
-/// The timer as its views show it. It wakes when a text that is on the screen changes, and not at all while none is.
+/// The timer's texts for its views. It schedules a refresh only while the card, the tile or the wings are visible.
 /// Main thread.
 class TimerReadout final : public QObject {
     Q_OBJECT
     QML_ELEMENT
     QML_UNCREATABLE("made by the timer's widget")
     Q_PROPERTY(QString time MEMBER m_time NOTIFY changed FINAL)
-    Q_PROPERTY(QString shortTime MEMBER m_shortTime NOTIFY shortTimeChanged FINAL)
+    Q_PROPERTY(QString shortTime READ shortTime NOTIFY tileChanged FINAL)
     Q_PROPERTY(bool running READ isRunning NOTIFY changed FINAL)
     Q_PROPERTY(bool idle READ isIdle NOTIFY changed FINAL)
     Q_PROPERTY(bool atZero READ isAtZero NOTIFY changed FINAL)
@@ -28,15 +28,16 @@ public:
     /// Both must outlive it.
     TimerReadout(TimerModel& model, MainLoop& loop);
 
-    /// Whether the card is on the screen, where the time is told to the second.
+    /// Whether the card is visible. It needs a refresh each second.
     void setCardShown(bool shown);
-    /// Whether the live tile or the wings are, which tell minutes until the last one.
+    /// Whether the live tile or the wings are visible. They need a refresh each minute, and each second of the last.
     void setTileShown(bool shown);
 
+    bool isTileShown() const { return m_tileShown; }
     const QString& time() const { return m_time; }
-    const QString& shortTime() const { return m_shortTime; }
-    /// How much of the chosen length remains, 0 to 1. It changes with `shortTime`.
-    double share() const { return m_share; }
+    const QString& shortTime() const { return m_tile.text; }
+    /// The remaining share of the chosen length, 0 to 1. While the timer runs it changes together with `shortTime`.
+    double share() const { return m_tile.share; }
     bool isRunning() const;
     bool isIdle() const;
     bool isAtZero() const;
@@ -50,9 +51,16 @@ public:
 
 Q_SIGNALS:
     void changed();
-    void shortTimeChanged();
+    void tileChanged();
 
 private:
+    /// What the live tile shows.
+    struct Tile {
+        std::size_t phase = 0;
+        QString text;
+        double share = 0;
+    };
+
     void refresh();
     void scheduleNext();
 
@@ -61,8 +69,7 @@ private:
     bool m_cardShown = false;
     bool m_tileShown = false;
     QString m_time;
-    QString m_shortTime;
-    double m_share = 0;
+    Tile m_tile;
     WorkItem m_nextWork;
 };
 

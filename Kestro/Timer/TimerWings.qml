@@ -2,7 +2,7 @@ import QtQuick
 import Kestro.Style
 import Kestro.Timer
 
-// What a running timer shows on either side of a gap of `gap` points.
+// The running timer beside the notch: symbol and short time on either side of a gap of `gap` points.
 Item {
     id: root
 
@@ -13,7 +13,11 @@ Item {
     Accessible.name: "Timer, " + timer.shortTime
 
     Symbol {
-        anchors { right: parent.horizontalCenter; rightMargin: root.gap / 2 + 12; verticalCenter: parent.verticalCenter }
+        anchors {
+            right: parent.horizontalCenter
+            rightMargin: root.gap / 2 + 12
+            verticalCenter: parent.verticalCenter
+        }
         name: "timer"
         size: 16
         color: Theme.ink

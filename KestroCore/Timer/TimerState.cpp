@@ -111,7 +111,7 @@ void TimerState::adjust(int minutes, Date now)
 
 qint64 TimerState::wholeSeconds(double seconds)
 {
-    constexpr double most = 1e15; // a stored number may be anything, and a cast of a larger one is undefined
+    constexpr double most = 1e15; // the stored number is unchecked, and casting a larger double is undefined behaviour
     return qint64(std::ceil(std::min(std::max(0.0, seconds - dateResolution), most)));
 }
 

@@ -10,8 +10,7 @@
 
 namespace kestro {
 
-/// A countdown. A running one stores the moment of its end and counts nothing, so a restart or a suspend of the
-/// computer cannot make it wrong.
+/// A countdown. A running timer stores its end time instead of counting ticks, so it survives a restart and a suspend.
 struct TimerState {
     struct Running {
         Date until;
@@ -30,7 +29,7 @@ struct TimerState {
     static constexpr double maxDuration = 99 * 60; ///< seconds
 
     Phase phase = Idle{};
-    double duration = 300; ///< seconds: the length that was chosen last, which an idle timer shows
+    double duration = 300; ///< seconds; the last chosen length, which an idle timer shows
 
     bool operator==(const TimerState&) const = default;
 
@@ -57,7 +56,7 @@ struct TimerState {
     /// What `format` and `wingText` show: seconds rounded up, at least 0.
     static qint64 wholeSeconds(double seconds);
 
-    /// One JSON document; nothing for a state that JSON has no numbers for.
+    /// One JSON document; empty for infinite or NaN numbers, which JSON cannot express.
     std::optional<QByteArray> encode() const;
     /// Throws StorageError for bytes that are not a state.
     static TimerState decode(const QByteArray& bytes);

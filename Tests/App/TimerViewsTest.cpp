@@ -1,90 +1,76 @@
 #include "Kestro/Timer/TimerModel.h"
-#include "Kestro/Timer/TimerReadout.h"
-#include "Kestro/Timer/TimerSound.h"
+#include "Kestro/Timer/TimerWidget.h"
 #include "Tests/App/StyleFixture.h"
 
 namespace kestro {
 namespace {
-
-class Silence final : public TimerSound {
-public:
-    void play() override { }
-};
 
 class TimerViews : public test::StyleViews {
 protected:
     TimerViews()
     {
         model.setActive(true);
-        engine.rootContext()->setContextProperty(QStringLiteral("readout"), &readout);
+        engine.rootContext()->setContextProperty(QStringLiteral("timerWidget"), &widget);
     }
     ~TimerViews() override { item.reset(); }
 
     QQuickItem& showCard()
     {
-        QQuickItem& card = show("import Kestro.Timer\nTimerCard { timer: readout; width: 408 * Theme.growth;"
-                                " height: 64 * Theme.growth }");
-        readout.setCardShown(true);
+        QQuickItem& card = show("import Kestro.Timer\nTimerCard { widget: timerWidget; toolTips: null;"
+                                " width: 408 * Theme.growth; height: 64 * Theme.growth }");
+        widget.shown(true);
         window.grabWindow(); // lays out
         return card;
     }
-    QString shown() const { return names(*item).join(QLatin1Char('|')); }
-    /// What a screen reader can press, by name.
-    QStringList enabled() const
+    /// What a screen reader finds; names of what cannot be pressed stand in brackets.
+    QString shown() const
     {
         QStringList found;
         for (const QString& name : names(*item)) {
-            const QQuickItem* control = named(*item, name);
-            if (control->inherits("QQuickItem") && control->property("label").isValid() && control->isEnabled())
-                found.append(name);
+            const bool enabled = named(*item, name)->isEnabled();
+            found.append(enabled ? name : u'(' + name + u')');
         }
-        return found;
+        return found.join(u' ');
     }
     void press(const char* name) const { act(named(*item, QString::fromUtf8(name)), "pressAction"); }
 
     test::FakePlatform platform;
-    Silence sound;
-    TimerModel model{ platform.loop, platform.preferences, platform.session, sound };
+    TimerModel model{ platform.loop, platform.preferences, platform.session, nullptr };
     TimerReadout readout{ model, platform.loop };
+    TimerWidget widget{ readout };
 };
 
 TEST_F(TimerViews, TheCardIsReadAndPressed)
 {
-    const QString presets = QStringLiteral("|1 min|5 min|10 min|25 min|45 min");
     showCard();
-    EXPECT_EQ(shown(), QStringLiteral("5:00|One minute less|One minute more|Reset|Start") + presets);
-    EXPECT_FALSE(enabled().contains(QStringLiteral("Reset")));
-    press("One minute more");
-    EXPECT_EQ(shown(), QStringLiteral("6:00|One minute less|One minute more|Reset|Start") + presets);
-    press("Start");
-    platform.loop.advance(1.1);
-    EXPECT_EQ(shown(), QStringLiteral("5:59|One minute less|One minute more|Reset|Pause") + presets);
-    EXPECT_EQ(accessible(named(*item, QStringLiteral("5:59")), "description"), QStringLiteral("Running"));
-    press("Pause");
-    platform.loop.advance(5);
-    EXPECT_EQ(accessible(named(*item, QStringLiteral("5:59")), "description"), QStringLiteral("Paused"));
-    press("25 min");
-    EXPECT_TRUE(shown().startsWith(QStringLiteral("25:00|One minute less|One minute more|Reset|Pause")));
-    press("Reset");
-    EXPECT_TRUE(shown().startsWith(QStringLiteral("25:00|One minute less|One minute more|Reset|Start")));
-    for (int i = 0; i < 25; ++i)
-        press("One minute less");
-    EXPECT_TRUE(shown().startsWith(QStringLiteral("0:00|")));
-    EXPECT_FALSE(enabled().contains(QStringLiteral("Start")));
-    EXPECT_FALSE(enabled().contains(QStringLiteral("One minute less")));
-    model.preset(99);
-    model.startOrPause();
-    EXPECT_FALSE(enabled().contains(QStringLiteral("One minute more")));
+    EXPECT_EQ(
+        shown(), QStringLiteral("5:00 One minute less One minute more (Reset) Start 1 min 5 min 10 min 25 min 45 min"));
+    const std::tuple<const char*, double, const char*, const char*> steps[] = {
+        { "One minute more", 0, "6:00 One minute less One minute more (Reset) Start", "" },
+        { "Start", 1.1, "5:59 One minute less One minute more Reset Pause", "Running" },
+        { "Pause", 5, "5:59 One minute less One minute more Reset Start", "Paused" },
+        { "1 min", 0.5, "1:00 One minute less One minute more Reset Pause", "Running" },
+        { "Reset", 0, "1:00 One minute less One minute more (Reset) Start", "" },
+        { "One minute less", 0, "0:00 (One minute less) One minute more (Reset) (Start)", "" },
+    };
+    for (const auto& [name, seconds, expected, state] : steps) {
+        press(name);
+        platform.loop.advance(seconds);
+        EXPECT_TRUE(shown().startsWith(QLatin1String(expected))) << shown().toStdString() << " after " << name;
+        EXPECT_EQ(accessible(named(*item, names(*item).first()), "description"), QLatin1String(state));
+    }
+    model.adjust(99);
+    EXPECT_TRUE(shown().startsWith(QStringLiteral("99:00 One minute less (One minute more)")));
 }
 
 TEST_F(TimerViews, ControlsKeepClearOfEachOther)
 {
+    model.preset(99);
     for (const double scale : { 1.0, 1.5, 2.0 }) {
         SCOPED_TRACE(scale);
         item.reset();
         appearance.current.textScale = scale;
         Q_EMIT appearance.changed();
-        model.preset(99);
         const QQuickItem& card = showCard();
         QList<QRectF> places;
         for (const QString& name : names(card)) {
@@ -98,10 +84,10 @@ TEST_F(TimerViews, ControlsKeepClearOfEachOther)
     }
 }
 
-TEST_F(TimerViews, TheWingsTellTheShortTime)
+TEST_F(TimerViews, TheWingsShowTheShortTime)
 {
     model.preset(5);
-    show("import Kestro.Timer\nItem { TimerWings { timer: readout; gap: 200; width: 300; height: 32 } }");
+    show("import Kestro.Timer\nItem { TimerWings { timer: timerWidget.timer; gap: 200; width: 300; height: 32 } }");
     EXPECT_EQ(shown(), QStringLiteral("Timer, 5m"));
 }
 
