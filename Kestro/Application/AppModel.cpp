@@ -18,6 +18,7 @@ AppModel::AppModel(const Platform& platform, const Folders& folders)
     , m_itemShortcuts(m_launcher, m_items)
     , m_openNotchShortcut(platform.preferences, openNotchShortcut())
     , m_agents(m_host, platform, folders)
+    , m_notes(m_host, m_launcher, platform.loop, platform.log, NotesStorage::under(folders.home))
 {
     m_shortcuts.add(m_openNotchShortcut);
     for (Feature* feature : m_host.features) {

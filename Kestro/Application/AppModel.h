@@ -2,6 +2,7 @@
 
 #include "Kestro/Agents/AgentsFeature.h"
 #include "Kestro/Layout/LauncherModel.h"
+#include "Kestro/Notes/NotesFeature.h"
 #include "Kestro/Platform/Folders.h"
 #include "Kestro/Platform/Platform.h"
 #include "Kestro/Shortcuts/ShortcutAssignments.h"
@@ -98,6 +99,7 @@ private:
     StatsFeature m_stats{ m_host, m_platform.loop, m_platform.preferences, m_platform.counters };
     AgentsFeature m_agents;
     TimerFeature m_timer{ m_host, m_launcher, { m_platform.loop, m_platform.preferences, m_platform.session } };
+    NotesFeature m_notes;
 };
 
 } // namespace kestro

@@ -10,7 +10,7 @@ namespace kestro {
 
 QString NoteDocument::text() const
 {
-    // Not the document's plain text: there, spaces that do not break a line have become ordinary ones.
+    // QTextDocument::toPlainText would turn no-break spaces into spaces.
     return m_document->textDocument()->toRawText().replace(QChar::ParagraphSeparator, u'\n');
 }
 

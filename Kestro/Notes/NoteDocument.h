@@ -8,8 +8,8 @@
 
 namespace kestro {
 
-/// Hands on what is typed in an editor to the note. An editor may hold more than the note does: text is not taken away
-/// while it is written, since undoing would bring it back. Main thread.
+/// Connects an editor's document to the note. The document may be longer than the note: cutting it would add a step to
+/// the undo history, and undoing that step would exceed the limit again. Main thread.
 class NoteDocument : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -19,12 +19,13 @@ class NoteDocument : public QObject {
 public:
     using QObject::QObject;
 
-    /// Whether the last change left text in the editor, or in the clipboard, for which the note has no room.
+    /// Whether the last edit or paste exceeded the note's length.
     bool isFull() const { return m_full; }
 
+    /// Passes the document's text to the note.
     Q_INVOKABLE void changed();
-    /// Puts as much of the clipboard's text as there is room for in the place of what is between the two; false where
-    /// it has no text. An editor's own way would lay out megabytes, which takes seconds.
+    /// Replaces the range by the clipboard's text, cut to the room that is left. Returns false if the clipboard has no
+    /// text. TextEdit's own paste would lay out the whole text first, which takes seconds for 5 MB.
     Q_INVOKABLE bool paste(int from, int to);
 
 Q_SIGNALS:

@@ -2,13 +2,13 @@ import QtQuick
 import Kestro.Style
 import Kestro.Notes
 
-// The beginning of the note, and the way to all of it.
+// The notes' card: the beginning of the note, and a button that opens the window.
 Item {
     id: root
 
-    required property NotesModel notes
-
-    signal edit
+    required property NotesWidget widget
+    required property QtObject toolTips
+    readonly property NotesModel notes: widget.notes
 
     Label {
         anchors { left: parent.left; right: button.left; rightMargin: 12; top: parent.top; bottom: warning.top }
@@ -41,7 +41,7 @@ Item {
         implicitWidth: row.implicitWidth + 16
         implicitHeight: 24 * Theme.growth
         label: "Edit"
-        onPressed: root.edit()
+        onPressed: root.widget.openWindow()
 
         Rectangle {
             anchors.fill: parent

@@ -2,7 +2,7 @@ import QtQuick
 import Kestro.Style
 import Kestro.Notes
 
-// The whole note, to be written in.
+// The editor of the note.
 FocusScope {
     id: root
 
@@ -58,7 +58,7 @@ FocusScope {
 
         anchors.fill: parent
         clip: true
-        // A mouse that drags selects.
+        // Dragging with the mouse selects text.
         interactive: false
         contentWidth: width
         contentHeight: editor.height

@@ -56,7 +56,10 @@ void NotesModel::didLoad(const Result& result)
         Q_EMIT textChanged();
     } else {
         m_log.write(QStringLiteral("Kestro: couldn't read the notes: %1").arg(result.failure));
-        m_error = QStringLiteral("Couldn't read notes.txt (%1). It was left as it is.").arg(result.failure);
+        QString reason = result.failure;
+        if (reason.endsWith(u'.')) // the full stop of an inner sentence
+            reason.chop(1);
+        m_error = QStringLiteral("Couldn't read notes.txt (%1). It was left as it is.").arg(reason);
     }
     Q_EMIT stateChanged();
 }

@@ -11,8 +11,8 @@ namespace kestro {
 
 class Log;
 
-/// The note: read when it is first shown, saved a second after the last change. Main thread; files are touched on a
-/// queue of its own.
+/// The note: loaded when it is first shown, saved one second after the last edit. Main thread; file access happens on
+/// the serial queue.
 class NotesModel final : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -29,20 +29,20 @@ public:
     ~NotesModel() override;
 
     const QString& text() const { return m_text; }
-    /// The beginning, for where little of it is seen.
+    /// The beginning of the note, for the card.
     QString preview() const;
     bool isLoaded() const { return m_loaded; }
-    /// Why the note could not be read; empty where it could.
+    /// Why the last load failed; empty if it succeeded.
     const QString& error() const { return m_error; }
-    /// Why the last change is not on the disk; empty where it is or soon will be.
+    /// Why the last save failed; empty if it succeeded.
     const QString& saveError() const { return m_saveError; }
 
-    /// Reads the note, if it has not been read. Tries again to save what could not be saved.
+    /// Loads the note once. A later call retries a failed load, or a failed save.
     void load();
-    /// Takes the first NotesStorage::maxLength characters. Does nothing before the note has been read: it would be
-    /// lost.
+    /// Sets the text, cut to NotesStorage::maxLength. Does nothing before the note is loaded, since saving would
+    /// overwrite it.
     void edit(const QString& text);
-    /// Blocks until every change is on the disk, or has failed to get there.
+    /// Saves pending edits, and blocks until all saves have succeeded or failed.
     void flush();
 
 Q_SIGNALS:
@@ -67,10 +67,10 @@ private:
     bool m_loading = false;
     QString m_error;
     QString m_saveError;
-    int m_cursorPosition = 0; // where the user left it when the window was closed
-    quint64 m_edition = 0; // counts the edits, to know an outdated result of a save
+    int m_cursorPosition = 0; // restored when the window opens again
+    quint64 m_edition = 0; // counts the edits, to recognise a stale save result
     WorkItem m_saveWork;
-    SerialQueue m_io{ "kestro.notes-io" }; // last: it ends before what its work refers to
+    SerialQueue m_io{ "kestro.notes-io" }; // last member: destroyed before the members that its work refers to
 };
 
 } // namespace kestro

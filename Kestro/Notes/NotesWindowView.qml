@@ -2,16 +2,26 @@ import QtQuick
 import Kestro.Style
 import Kestro.Notes
 
-// The notes window: the note, or why it cannot be read, and below it what the user should know of it.
+// The notes window: the editor or the load error, above a footer with the save error or the length limit.
 Rectangle {
     id: root
 
-    required property NotesModel notes
+    required property NotesWidget widget
+    required property QtObject toolTips
+    readonly property NotesModel notes: widget.notes
 
     color: Theme.window
     Accessible.role: Accessible.Pane
     Accessible.name: "Notes"
     Component.onCompleted: editor.forceActiveFocus()
+
+    Connections {
+        target: root.widget
+
+        function onRemoved() {
+            root.Window.window.close();
+        }
+    }
 
     NotesEditor {
         id: editor

@@ -15,7 +15,7 @@ namespace kestro {
 
 namespace {
 
-constexpr qsizetype largestFile = 64 << 20; // bytes: a note's characters may consist of many code points each
+constexpr qsizetype largestFile = 64 << 20; // bytes; one character may have many code points
 
 std::optional<QString> decoded(const QByteArray& bytes)
 {
@@ -51,7 +51,7 @@ QString NotesStorage::load() const
 {
     const QByteArray native = QFile::encodeName(path);
     const auto contents = AtomicFile::read(native, largestFile);
-    // A link whose target is gone, such as a disk that is not mounted, is no empty note: saving one would cut the link.
+    // A dangling symbolic link (an unmounted disk, say) is an error: a later save would replace the link.
     if (!contents && QFileInfo(path).isSymLink())
         throw PosixError::reading(native, ENOENT);
     if (!contents)
@@ -67,7 +67,7 @@ QString NotesStorage::load() const
 void NotesStorage::save(const QString& text) const
 {
     createPrivateFolder(QFileInfo(path).path());
-    // The note may be a symbolic link into a folder that is synchronised or backed up; replacing the link would cut it.
+    // The file may be a symbolic link into a synchronised folder: write to its target, since `replace` replaces links.
     const QString target = QFileInfo(path).canonicalFilePath();
     AtomicFile::replace(QFile::encodeName(target.isEmpty() ? path : target), text.toUtf8(), AtomicFile::Attributes{});
 }

@@ -12,19 +12,19 @@ struct NotesStorage {
 
     /// Where the note lies under `home`.
     static NotesStorage under(const QString& home);
-    /// Where a file goes that is not UTF-8.
+    /// Where `load` moves a file that is not UTF-8.
     QString corruptPath() const;
 
-    /// The note, at most `maxLength` characters of it; empty where there is no file. A file that is not UTF-8 is moved
-    /// to `corruptPath`, in the place of one that was moved there earlier, and the note is empty. Throws StorageError
-    /// where the file cannot be read or moved, and leaves it as it is.
+    /// The first `maxLength` characters of the file; empty if there is no file. A file that is not UTF-8 is moved to
+    /// `corruptPath`, replacing an earlier one, and the result is empty. Throws StorageError if the file cannot be read
+    /// or moved; it is then left unchanged.
     QString load() const;
-    /// Replaces the file at once, for the user alone, and creates its folder. Throws StorageError.
+    /// Replaces the file atomically, mode 0600, and creates its folder if needed. Throws StorageError.
     void save(const QString& text) const;
 
-    /// How many characters `text` has.
+    /// The number of characters in `text`.
     static qsizetype length(const QString& text);
-    /// The first `length` of them.
+    /// The first `length` characters of `text`.
     static QString capped(const QString& text, qsizetype length = maxLength);
 };
 

@@ -1,8 +1,10 @@
-#include "Kestro/Notes/NotesModel.h"
+#include "Kestro/Layout/LauncherModel.h"
+#include "Kestro/Notes/NotesFeature.h"
 #include "Tests/Support/Fakes.h"
 
 #include <QDir>
 #include <QFile>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -13,9 +15,9 @@ class NotesTest : public testing::Test {
 protected:
     NotesModel& load()
     {
-        model->load();
+        model.load();
         EXPECT_TRUE(platform.loop.turnWhenPosted());
-        return *model;
+        return model;
     }
     void write(const QByteArray& bytes) const
     {
@@ -30,7 +32,7 @@ protected:
     /// Lets the saves that are due reach the disk and their results the model.
     void settle()
     {
-        model->flush();
+        model.flush();
         platform.loop.turn();
     }
     /// A folder in the place of the note: it can neither be read nor replaced, by root neither.
@@ -44,35 +46,31 @@ protected:
     QTemporaryDir home;
     const QString path = home.filePath(QStringLiteral("notes.txt"));
     test::FakePlatform platform;
-    std::unique_ptr<NotesModel> model = std::make_unique<NotesModel>(platform.loop, platform.log, NotesStorage{ path });
+    NotesModel model{ platform.loop, platform.log, NotesStorage{ path } };
 };
 
 TEST_F(NotesTest, IsReadOnceAndLazily)
 {
     write("milk");
-    model->edit(QStringLiteral("too early"));
-    EXPECT_EQ(model->text(), QString());
-    EXPECT_FALSE(model->isLoaded());
-    model->load();
+    model.edit(QStringLiteral("too early"));
+    EXPECT_EQ(model.text(), QString());
+    model.load();
     load();
-    EXPECT_EQ(model->text(), QStringLiteral("milk"));
-    EXPECT_TRUE(model->isLoaded());
+    EXPECT_EQ(model.text(), QStringLiteral("milk"));
     write("from elsewhere");
-    model->load();
+    model.load();
     settle();
-    EXPECT_EQ(model->text(), QStringLiteral("milk"));
+    EXPECT_EQ(model.text(), QStringLiteral("milk"));
     EXPECT_EQ(read(), "from elsewhere") << "nothing was changed here";
 }
 
 TEST_F(NotesTest, ABurstOfTypingIsOneWrite)
 {
-    load();
-    EXPECT_TRUE(model->isLoaded());
+    load().edit(QString());
     EXPECT_EQ(read(), "(none)");
-    model->edit(QString());
     EXPECT_EQ(platform.loop.waiting(), 0) << "the same text is no change";
     for (const char* text : { "e", "eg", "egg" }) {
-        model->edit(QLatin1String(text));
+        model.edit(QLatin1String(text));
         platform.loop.advance(0.9);
         EXPECT_EQ(platform.loop.waiting(), 1);
     }
@@ -82,38 +80,27 @@ TEST_F(NotesTest, ABurstOfTypingIsOneWrite)
     settle();
     EXPECT_EQ(read(), "egg");
     EXPECT_TRUE(platform.log.lines.isEmpty());
-}
-
-TEST_F(NotesTest, WhatWasJustTypedIsOnTheDiskAtTheEnd)
-{
-    load().edit(QStringLiteral("by flush"));
-    model->flush();
-    EXPECT_EQ(read(), "by flush");
-    EXPECT_EQ(platform.loop.waiting(), 0);
-    model->edit(QStringLiteral("by the end"));
-    model.reset();
-    EXPECT_EQ(read(), "by the end");
-    platform.loop.turn();
+    model.edit(QString(NotesStorage::maxLength + 1, u'x'));
+    EXPECT_EQ(model.text(), QString(NotesStorage::maxLength, u'x'));
+    EXPECT_EQ(model.preview(), QString(1000, u'x'));
 }
 
 TEST_F(NotesTest, ANoteThatCannotBeReadIsNotOverwritten)
 {
     block();
     load();
-    EXPECT_FALSE(model->isLoaded());
-    EXPECT_TRUE(model->error().startsWith(u"Couldn't read notes.txt (Couldn't read “notes.txt” in “"));
-    EXPECT_TRUE(model->error().endsWith(QStringLiteral("it isn't an ordinary file.). It was left as it is.")));
-    ASSERT_EQ(platform.log.lines.size(), 1);
-    EXPECT_TRUE(platform.log.lines.first().startsWith(u"Kestro: couldn't read the notes: Couldn't read “notes.txt”"));
-    model->edit(QStringLiteral("gone"));
+    EXPECT_FALSE(model.isLoaded());
+    EXPECT_TRUE(model.error().startsWith(u"Couldn't read notes.txt (Couldn't read “notes.txt” in “"));
+    EXPECT_TRUE(model.error().endsWith(QStringLiteral("it isn't an ordinary file). It was left as it is.")));
+    EXPECT_TRUE(platform.log.lines.value(0).startsWith(u"Kestro: couldn't read the notes: Couldn't read “notes.txt”"));
+    model.edit(QStringLiteral("gone"));
     settle();
-    EXPECT_EQ(model->text(), QString());
-
+    EXPECT_EQ(model.text(), QString());
     unblock();
     write("back");
     load();
-    EXPECT_EQ(model->text(), QStringLiteral("back"));
-    EXPECT_EQ(model->error(), QString());
+    EXPECT_EQ(model.text(), QStringLiteral("back"));
+    EXPECT_EQ(model.error(), QString());
 }
 
 TEST_F(NotesTest, TextThatCannotBeSavedIsKeptAndTriedAgain)
@@ -121,56 +108,57 @@ TEST_F(NotesTest, TextThatCannotBeSavedIsKeptAndTriedAgain)
     const std::pair<const char*, std::function<void()>> ways[] = {
         { "at the next edit",
             [this] {
-                model->edit(QStringLiteral("kept and more"));
+                model.edit(QStringLiteral("kept and more"));
                 platform.loop.advance(1);
             } },
-        { "when it is shown", [this] { model->load(); } },
-        { "at the end", [this] { model->flush(); } },
+        { "when it is shown", [this] { model.load(); } },
+        { "at the end", [this] { model.flush(); } },
     };
     load();
     for (const auto& [when, again] : ways) {
         SCOPED_TRACE(when);
         block();
-        model->edit(QStringLiteral("kept"));
-        platform.loop.advance(1);
+        model.edit(QStringLiteral("kept"));
         settle();
-        EXPECT_EQ(model->text(), QStringLiteral("kept"));
-        EXPECT_TRUE(model->saveError().startsWith(u"Couldn't save “notes.txt” in “"));
+        EXPECT_EQ(model.text(), QStringLiteral("kept"));
+        EXPECT_TRUE(model.saveError().startsWith(u"Couldn't save “notes.txt” in “"));
         EXPECT_TRUE(
             platform.log.lines.value(0).startsWith(u"Kestro: couldn't save the notes: Couldn't save “notes.txt”"));
         unblock();
         again();
         settle();
-        EXPECT_EQ(read(), model->text().toUtf8());
-        EXPECT_EQ(model->saveError(), QString());
-        model->edit(QString());
+        EXPECT_EQ(read(), model.text().toUtf8());
+        EXPECT_EQ(model.saveError(), QString());
+        model.edit(QString());
         settle();
         platform.log.lines.clear();
     }
 }
 
-TEST_F(NotesTest, ALateResultOfAnOlderSaveTellsNothing)
+TEST_F(NotesTest, WhatWasJustTypedIsSavedBeforeTheNoteGoes)
 {
-    load();
-    block();
-    model->edit(QStringLiteral("first"));
-    platform.loop.advance(1);
-    model->edit(QStringLiteral("second"));
-    EXPECT_TRUE(platform.loop.turnWhenPosted());
-    EXPECT_EQ(model->saveError(), QString()) << "the second may succeed";
-    unblock();
-    settle();
-    EXPECT_EQ(read(), "second");
-}
-
-TEST_F(NotesTest, IsCutToItsLimit)
-{
-    load().edit(QString(NotesStorage::maxLength, u'x'));
-    model->edit(model->text() + u'y');
-    EXPECT_EQ(model->text(), QString(NotesStorage::maxLength, u'x'));
-    EXPECT_EQ(model->preview(), QString(1000, u'x'));
-    model->edit(QStringLiteral("short"));
-    EXPECT_EQ(model->preview(), QStringLiteral("short"));
+    FeatureHost host(platform.preferences);
+    LauncherModel launcher(platform.loop, platform.preferences, platform.workspace, platform.fetcher, platform.log, {});
+    launcher.add({ QUuid::createUuid(), LaunchItem::Widget{ WidgetKind::notes } });
+    auto feature = std::make_unique<NotesFeature>(host, launcher, platform.loop, platform.log, NotesStorage{ path });
+    feature->start();
+    auto* widget = static_cast<NotesWidget*>(feature->widgets().front());
+    QSignalSpy removed(widget, &NotesWidget::removed);
+    widget->shown(true);
+    while (!widget->notes()->isLoaded())
+        ASSERT_TRUE(platform.loop.turnWhenPosted());
+    widget->notes()->edit(QStringLiteral("at the end of the program"));
+    feature->finish();
+    EXPECT_EQ(read(), "at the end of the program");
+    widget->notes()->edit(QStringLiteral("when it leaves the layout"));
+    EXPECT_EQ(removed.size(), 0);
+    launcher.remove(launcher.store().items().first().id);
+    EXPECT_EQ(read(), "when it leaves the layout");
+    EXPECT_EQ(removed.size(), 1);
+    widget->notes()->edit(QStringLiteral("when the model goes"));
+    feature.reset();
+    EXPECT_EQ(read(), "when the model goes");
+    platform.loop.turn(); // late results find nobody
 }
 
 } // namespace

@@ -1,11 +1,11 @@
-#include "Kestro/Notes/NotesModel.h"
+#include "Kestro/Notes/NotesWidget.h"
+#include "Kestro/Widgets/Feature.h"
 #include "Tests/App/StyleFixture.h"
 
 #include <QClipboard>
 #include <QDir>
 #include <QFile>
 #include <QGuiApplication>
-#include <QSignalSpy>
 #include <QTemporaryDir>
 
 namespace kestro {
@@ -29,12 +29,12 @@ protected:
     }
     QQuickItem& show(const char* qml)
     {
-        engine.rootContext()->setContextProperty(QStringLiteral("note"), &notes);
+        engine.rootContext()->setContextProperty(QStringLiteral("notesWidget"), &widget);
         QQuickItem& shown = StyleViews::show(("import Kestro.Notes\n" + QByteArray(qml)).constData());
         window.grabWindow(); // lays out
         return shown;
     }
-    void showWindow() { show("NotesWindowView { notes: note; width: 400; height: 300 }"); }
+    void showWindow() { show("NotesWindowView { widget: notesWidget; toolTips: null; width: 400; height: 300 }"); }
     QQuickItem& editor() const { return *named(*item, QStringLiteral("Note")); }
     QString shown() const { return names(*item).join(QLatin1Char('|')); }
     void type(const char* text)
@@ -47,12 +47,14 @@ protected:
     QTemporaryDir home;
     const QString path = home.filePath(QStringLiteral("notes.txt"));
     test::FakePlatform platform;
+    FeatureHost host{ platform.preferences };
     NotesModel notes{ platform.loop, platform.log, NotesStorage{ path } };
+    NotesWidget widget{ host, notes };
 };
 
 TEST_F(NotesViews, TheCardShowsTheBeginningOrWhyThereIsNone)
 {
-    QQuickItem& card = show("NotesCard { notes: note; width: 408; height: 88 }");
+    QQuickItem& card = show("NotesCard { widget: notesWidget; toolTips: null; width: 408; height: 88 }");
     EXPECT_EQ(shown(), QStringLiteral("Edit")) << "nothing while it is read";
     ASSERT_TRUE(QDir().mkpath(path));
     read();
@@ -65,9 +67,10 @@ TEST_F(NotesViews, TheCardShowsTheBeginningOrWhyThereIsNone)
     notes.edit(QString(5000, u'\n') + QString(5000, u'x'));
     window.grabWindow();
     EXPECT_LE(named(card, notes.preview())->height(), 88);
-    QSignalSpy edit(&card, SIGNAL(edit()));
+    QList<WidgetKind> opened;
+    host.openWindow = [&](WidgetKind kind) { opened.append(kind); };
     act(named(card, QStringLiteral("Edit")), "pressAction");
-    EXPECT_EQ(edit.size(), 1);
+    EXPECT_EQ(opened, QList{ WidgetKind::notes });
 }
 
 TEST_F(NotesViews, WhatIsTypedReachesTheNote)
@@ -125,6 +128,8 @@ TEST_F(NotesViews, AFlawIsToldInTheWindow)
     EXPECT_EQ(shown(),
         QStringLiteral("Note|%1 Your text stays here, and is saved as soon as that works.").arg(notes.saveError()));
     ASSERT_TRUE(QDir(path).removeRecursively());
+    Q_EMIT widget.removed();
+    EXPECT_FALSE(window.isVisible());
 }
 
 TEST_F(NotesViews, NoMoreIsPastedThanThereIsRoomFor)
