@@ -9,6 +9,7 @@ namespace kestro {
 
 AppModel::AppModel(const Platform& platform, const Folders& folders)
     : m_platform(platform)
+    , m_folders(folders)
     , m_host(platform.preferences)
     , m_launcher(platform.loop, platform.preferences, platform.workspace, platform.fetcher, platform.log,
           folders.caches + QStringLiteral("/favicons"))
@@ -17,8 +18,6 @@ AppModel::AppModel(const Platform& platform, const Folders& folders)
     , m_shortcuts(m_hotKeys, platform.preferences, platform.loop, platform.keyboard, platform.session)
     , m_itemShortcuts(m_launcher, m_items)
     , m_openNotchShortcut(platform.preferences, openNotchShortcut())
-    , m_agents(m_host, platform, folders)
-    , m_notes(m_host, m_launcher, platform.loop, platform.log, NotesStorage::under(folders.home))
 {
     m_shortcuts.add(m_openNotchShortcut);
     for (Feature* feature : m_host.features) {

@@ -85,6 +85,7 @@ private:
     PreferenceShortcut::Description openNotchShortcut();
 
     Platform m_platform;
+    Folders m_folders;
     FeatureHost m_host;
     LauncherModel m_launcher;
     WidgetItems m_items;
@@ -95,11 +96,11 @@ private:
     QString m_settingsPane = QStringLiteral("general");
     std::optional<QUuid> m_settingsTarget;
 
-    // Every feature, in start order
+    // Every feature, in start order: a new one is one line here
     StatsFeature m_stats{ m_host, m_platform.loop, m_platform.preferences, m_platform.counters };
-    AgentsFeature m_agents;
+    AgentsFeature m_agents{ m_host, m_platform, m_folders };
     TimerFeature m_timer{ m_host, m_launcher, { m_platform.loop, m_platform.preferences, m_platform.session } };
-    NotesFeature m_notes;
+    NotesFeature m_notes{ m_host, m_launcher, m_platform.loop, m_platform.log, NotesStorage::under(m_folders.home) };
 };
 
 } // namespace kestro

@@ -111,7 +111,6 @@ inline constexpr Preference<double> statsRefreshInterval{ Key("statsRefreshInter
 inline constexpr PreferenceFamily<bool> liveActivity{ Key("liveActivity."), true };
 
 // Other widgets
-inline constexpr OptionalData timerState{ Key("timerState") };
 inline const Preference<QStringList> colorHistory{ Key("colorHistory"), {} };
 inline const Preference<QVariantMap> displayDim{ Key("displayDim"), {} }; ///< levels by display
 

@@ -21,7 +21,7 @@ double clampedSum(double seconds, int minutes)
     return std::clamp(seconds + minutes * 60.0, 0.0, TimerState::maxDuration);
 }
 
-double number(const json& object, const char* key)
+double finiteNumber(const json& object, const char* key)
 {
     const auto field = object.is_object() ? object.find(key) : object.end();
     if (field == object.end() || !field->is_number())
@@ -50,9 +50,9 @@ TimerState::Phase phaseFromJson(const json& object)
     const std::string& name = object.begin().key();
     const json& payload = object.begin().value();
     if (name == "running")
-        return TimerState::Running{ { number(payload, "until") } };
+        return TimerState::Running{ { finiteNumber(payload, "until") } };
     if (name == "paused")
-        return TimerState::Paused{ number(payload, "remaining") };
+        return TimerState::Paused{ finiteNumber(payload, "remaining") };
     if (name == "idle" && payload.is_object())
         return TimerState::Idle{};
     throw StorageError(QStringLiteral("\"%1\" is not a phase.").arg(QString::fromStdString(name)));
@@ -142,7 +142,7 @@ TimerState TimerState::decode(const QByteArray& bytes)
     const json document = json::parse(bytes.begin(), bytes.end(), nullptr, false);
     if (!document.is_object() || !document.contains("phase"))
         throw StorageError(QStringLiteral("The timer's state is not a JSON object with a phase."));
-    return { phaseFromJson(document["phase"]), number(document, "duration") };
+    return { phaseFromJson(document["phase"]), finiteNumber(document, "duration") };
 }
 
 } // namespace kestro

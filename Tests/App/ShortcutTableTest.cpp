@@ -111,7 +111,7 @@ TEST_F(ShortcutTableTest, whatIsOutOfSightRestsAndStillBlocks)
     start();
     // A widget of a later day: it waits in the layout, unseen.
     const QUuid id = QUuid::createUuid();
-    ASSERT_EQ(model->launcher().add({ id, LaunchItem::Widget{ WidgetKind::notes } }), std::nullopt);
+    ASSERT_EQ(model->launcher().add({ id, LaunchItem::Widget{ WidgetKind::mirror } }), std::nullopt);
     const auto notes = ShortcutOwner::launchItem(id);
     EXPECT_EQ(model->shortcuts().set(optionS, notes), std::nullopt);
     EXPECT_FALSE(platform.hotKeys.press(optionS));

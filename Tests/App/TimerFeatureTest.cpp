@@ -163,8 +163,8 @@ TEST_F(TimerTest, ANoticeWaitsForAMinuteAtMost)
         model().preset(1);
         pass(60.05 + waited);
         notices.blocked = false;
-        for (const bool open : { false, true, false })
-            host.surface.setExpanded(open);
+        for (const bool expanded : { false, true, false })
+            host.surface.setExpanded(expanded);
         EXPECT_EQ(notices.shown.size(), told) << what;
     }
 }

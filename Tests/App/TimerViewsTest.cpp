@@ -74,8 +74,8 @@ TEST_F(TimerViews, ControlsKeepClearOfEachOther)
         const QQuickItem& card = showCard();
         QList<QRectF> places;
         for (const QString& name : names(card)) {
-            const QQuickItem* control = named(card, name);
-            const QRectF place = control->mapRectToItem(&card, QRectF(QPointF(), control->size()));
+            const QQuickItem* shown = named(card, name);
+            const QRectF place = shown->mapRectToItem(&card, QRectF(QPointF(), shown->size()));
             EXPECT_TRUE(card.boundingRect().contains(place)) << name.toStdString();
             for (const QRectF& other : places)
                 EXPECT_FALSE(other.intersects(place)) << name.toStdString();

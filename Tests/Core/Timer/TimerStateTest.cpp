@@ -29,7 +29,7 @@ TEST(TimerState, Transitions)
 {
     const auto preset = [](int minutes) { return [=](TimerState& state) { state.start(minutes, now); }; };
     const auto adjust = [](int minutes) { return [=](TimerState& state) { state.adjust(minutes, now); }; };
-    const auto start = [](TimerState& state) { state.start(now); };
+    const auto resume = [](TimerState& state) { state.start(now); };
     const auto pause = [](TimerState& state) { state.pause(now); };
     const auto reset = [](TimerState& state) { state.reset(); };
     const struct {
@@ -42,10 +42,10 @@ TEST(TimerState, Transitions)
         { __LINE__, paused(10), preset(25), "running 25:00 of 25:00" },
         { __LINE__, idle(), preset(0), "running 0:00 of 0:00" },
         { __LINE__, idle(), preset(2147483647), "running 99:00 of 99:00" },
-        { __LINE__, idle(), start, "running 5:00 of 5:00" },
-        { __LINE__, idle(0), start, "idle 0:00 of 0:00" },
-        { __LINE__, paused(90), start, "running 1:30 of 5:00" },
-        { __LINE__, paused(0), start, "paused 0:00 of 5:00" },
+        { __LINE__, idle(), resume, "running 5:00 of 5:00" },
+        { __LINE__, idle(0), resume, "idle 0:00 of 0:00" },
+        { __LINE__, paused(90), resume, "running 1:30 of 5:00" },
+        { __LINE__, paused(0), resume, "paused 0:00 of 5:00" },
         { __LINE__, running(90), pause, "paused 1:30 of 5:00" },
         { __LINE__, running(-90), pause, "paused 0:00 of 5:00" },
         { __LINE__, running(90, 600), reset, "idle 10:00 of 10:00" },
