@@ -28,7 +28,7 @@ viewer_packages=(x11vnc)
 test_packages=(
     "${desktop_packages[@]}"
     xfwm4 at-spi2-core gir1.2-atspi-2.0 python3-gi python3-xlib python3-dbus python3-dbusmock
-    xdotool busybox tmux xterm rxvt-unicode x11-xserver-utils x11-xkb-utils openssl
+    xdotool strace busybox tmux xterm rxvt-unicode x11-xserver-utils x11-xkb-utils openssl
     libgtest-dev libgmock-dev libxcb-xtest0-dev libxcb-damage0-dev
     clang-16 clang-tidy-16 clang-format-16 libclang-rt-16-dev shellcheck
 )

@@ -1,5 +1,4 @@
 import QtQuick
-import Kestro.Style
 
 /// The usage limits: what went wrong first, then a row for each agent. `rows` and `errorLines` are the model's.
 Column {

@@ -18,7 +18,7 @@ LayoutList::LayoutList(AppModel& model)
     connect(&model.launcher(), &LauncherModel::storeChanged, this, &LayoutList::follow);
     connect(&model.launcher(), &LauncherModel::faviconsChanged, this, [this] {
         if (!m_items.isEmpty())
-            Q_EMIT dataChanged(index(0), index(rowCount() - 1), { Picture });
+            Q_EMIT dataChanged(index(0), index(rowCount() - 1), { Name, Picture });
     });
     connect(&model, &AppModel::settingsTargetChanged, this, &LayoutList::selectedRowChanged);
 }

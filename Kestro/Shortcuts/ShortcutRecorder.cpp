@@ -57,14 +57,19 @@ void ShortcutRecorder::start()
 {
     // First, since whoever records already gives up the keyboard that is asked for here.
     m_center.beginRecording([this] { stopMonitor(); });
-    m_hold = m_keyboard.hold([this](const KeyPress& press) { handle(press); }, [this] { stop(); });
-    if (m_hold) {
-        keepAlive();
-        say({});
-        return;
-    }
+    m_hold =
+        m_keyboard.hold([this](const KeyPress& press) { handle(press); }, [this] { stop(); }, [this] { refuse(); });
+    if (!m_hold)
+        return refuse();
+    keepAlive();
+    setError({});
+}
+
+void ShortcutRecorder::refuse()
+{
+    stopMonitor();
     const auto lost = m_center.endRecording();
-    say(lost.value_or(QStringLiteral("Another program holds the keyboard")));
+    setError(lost.value_or(QStringLiteral("Another program holds the keyboard")));
 }
 
 void ShortcutRecorder::stopMonitor()
@@ -80,7 +85,7 @@ void ShortcutRecorder::stop()
         return;
     stopMonitor();
     if (const auto lost = m_center.endRecording())
-        say(*lost);
+        setError(*lost);
 }
 
 void ShortcutRecorder::keepAlive()
@@ -90,7 +95,7 @@ void ShortcutRecorder::keepAlive()
 
 void ShortcutRecorder::clear()
 {
-    say({});
+    setError({});
     finish(std::nullopt);
 }
 
@@ -104,9 +109,9 @@ void ShortcutRecorder::handle(const KeyPress& press)
         return stop();
     const KeyCombo combo = KeyCombo::fromFlags(press.keyCode, flags);
     if (!combo.isValid())
-        say(QStringLiteral("Use ⌘, ⌥ or ⌃ with a key"));
+        setError(QStringLiteral("Use ⌘, ⌥ or ⌃ with a key"));
     else if (combo.shadowsStandardShortcut())
-        say(QStringLiteral("Too common — add ⌃ or ⌥"));
+        setError(QStringLiteral("Too common — add ⌃ or ⌥"));
     else
         finish(combo);
 }
@@ -119,12 +124,12 @@ void ShortcutRecorder::finish(const Combo& combo)
     if (!self)
         return;
     if (message)
-        say(*message);
+        setError(*message);
     else
         setCombo(combo);
 }
 
-void ShortcutRecorder::say(const QString& error)
+void ShortcutRecorder::setError(const QString& error)
 {
     m_error = error;
     Q_EMIT changed();

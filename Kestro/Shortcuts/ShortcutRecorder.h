@@ -54,10 +54,11 @@ Q_SIGNALS:
 
 private:
     void start();
+    void refuse();
     void stopMonitor();
     void handle(const KeyPress& press);
     void finish(const Combo& combo);
-    void say(const QString& error);
+    void setError(const QString& error);
     void keepAlive();
 
     HotKeyCenter& m_center;

@@ -169,8 +169,8 @@ void SidebarController::placeDockFrame()
         return;
     const QList<LaunchItem> items = m_model.visibleItems();
     const bool pillOpen = m_behavior.presence == DockPresence::openPill;
-    m_state.setFrame(placeDock(items, dockSizes(items), m_state.prefs(), on->visibleFrame,
-        { m_pointer, pillOpen, m_behavior.pillCenter }));
+    m_state.setFrame(placeDock(
+        items, dockSizes(items), m_state.prefs(), on->visibleFrame, { m_pointer, pillOpen, m_behavior.pillCenter }));
 }
 
 void SidebarController::placeStrip()

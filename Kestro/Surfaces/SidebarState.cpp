@@ -26,10 +26,7 @@ void SidebarState::setFrame(const SidebarFrame& frame)
     m_items.show(frame, m_prefs.edge);
 }
 
-void SidebarState::refreshItems()
-{
-    m_items.refresh();
-}
+void SidebarState::refreshItems() { m_items.refresh(); }
 
 void SidebarState::setRevealed(bool revealed, bool fades)
 {

@@ -128,6 +128,7 @@ TEST_F(ShortcutRecorderTest, whatCannotBeIsSaid)
     const auto recorder = make();
     platform.keyboard.taken = true;
     recorder->toggle();
+    platform.keyboard.refuse();
     EXPECT_FALSE(recorder->isRecording());
     EXPECT_FALSE(center.isPaused());
     EXPECT_FALSE(recorder->error().isEmpty());

@@ -174,7 +174,7 @@ class Test(DesktopTest):
         killed = time.monotonic()
         os.kill(agent.pid, signal.SIGKILL)
         self.tree.wait(name="No active sessions", limit=1)
-        self.assertLess(time.monotonic() - killed, 0.1)
+        self.assertLess(time.monotonic() - killed, 0.5, "it is told, and not found out by the next tick")
 
 
 if __name__ == "__main__":
