@@ -23,10 +23,7 @@ public:
     }
 
     static ShortcutOwner launchItem(const QUuid& id) { return { QStringLiteral("launchItem"), id }; }
-    static ShortcutOwner capture(CaptureMode mode)
-    {
-        return ShortcutOwner(QStringLiteral("capture"), rawValue(mode));
-    }
+    static ShortcutOwner capture(CaptureMode mode) { return ShortcutOwner(QStringLiteral("capture"), rawValue(mode)); }
     static ShortcutOwner openNotch() { return ShortcutOwner(QStringLiteral("openNotch")); }
     static ShortcutOwner clipboard() { return ShortcutOwner(QStringLiteral("clipboard")); }
 
