@@ -69,10 +69,10 @@ void X11Struts::refresh()
         const auto strut = x11::Strut::fromProperty(numbers.empty() ? numbersOf(whole.get()) : numbers);
         if (numbers.empty() && numbersOf(whole.get()).empty())
             continue;
-        auto& watch = panels[question.window];
-        watch = std::move(m_panels[question.window]);
-        if (!watch) {
-            watch = std::make_unique<X11PropertyWatch>(m_connection, question.window,
+        auto& watching = panels[question.window];
+        watching = std::move(m_panels[question.window]);
+        if (!watching) {
+            watching = std::make_unique<X11PropertyWatch>(m_connection, question.window,
                 std::initializer_list<const char*>{ "_NET_WM_STRUT_PARTIAL", "_NET_WM_STRUT" },
                 [this] { refreshLater(); });
         }
