@@ -26,8 +26,13 @@ constexpr int backlog = 16;
 /// The socket's own folder is for its user alone, so that nobody else can connect; the ones above are as usual.
 void makeFolder(const std::filesystem::path& folder)
 {
-    if (folder.empty() || std::filesystem::is_directory(folder))
+    if (folder.empty())
         return;
+    if (struct stat status{}; ::stat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) {
+        if ((status.st_mode & 0077) != 0 && status.st_uid == ::getuid())
+            ::chmod(folder.c_str(), 0700);
+        return;
+    }
     std::filesystem::create_directories(folder.parent_path());
     if (::mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST)
         throwPosix(errno, "mkdir");

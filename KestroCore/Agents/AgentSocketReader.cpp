@@ -59,7 +59,7 @@ void AgentSocketReader::run()
 /// Only what can make progress is watched: poll reports a waiting connection or a hung-up client again and again.
 void AgentSocketReader::watch(Clock::time_point now)
 {
-    const bool accepting = m_clients.size() < m_limits.clients && hasRoom() && now >= m_acceptAgain;
+    const bool accepting = (!isFull() || now >= slowAt()) && hasRoom() && now >= m_acceptAgain;
     m_watched.clear();
     m_watched.push_back({ m_wake.get(), POLLIN, 0 });
     m_watched.push_back({ accepting ? m_listener.get() : -1, POLLIN, 0 });
@@ -75,6 +75,8 @@ void AgentSocketReader::watch(Clock::time_point now)
 int AgentSocketReader::timeout(Clock::time_point now) const
 {
     auto next = m_acceptAgain > now ? m_acceptAgain : Clock::time_point::max();
+    if (isFull() && slowAt() > now)
+        next = std::min(next, slowAt());
     for (const Client& client : m_clients)
         next = std::min(next, deadline(client));
     if (next == Clock::time_point::max())
@@ -105,6 +107,8 @@ void AgentSocketReader::acceptOne(Clock::time_point now)
         m_acceptAgain = now + m_limits.acceptRetry;
         return;
     }
+    if (isFull())
+        m_clients.erase(m_clients.begin());
     m_clients.push_back({ std::move(descriptor), MessageFramer(m_limits.messageBytes), now, now });
     readSome(m_clients.back(), now); // most clients have written by now
     if (!m_clients.back().descriptor)
@@ -117,6 +121,8 @@ void AgentSocketReader::readSome(Client& client, Clock::time_point now)
 {
     for (;;) {
         const auto wanted = std::min(m_buffer.size(), static_cast<size_t>(client.framer.room()));
+        if (wanted == 0)
+            break; // recv with length 0 returns 0 for ever, which is not the end of the stream
         const auto count = ::recv(client.descriptor.get(), m_buffer.data(), wanted, MSG_DONTWAIT);
         if (count < 0 && errno == EINTR)
             continue;
@@ -146,6 +152,14 @@ bool AgentSocketReader::hasRoom() const
     for (const Client& client : m_clients)
         held += client.framer.size();
     return held <= m_limits.heldBytes - m_limits.messageBytes;
+}
+
+bool AgentSocketReader::isFull() const { return m_clients.size() >= m_limits.clients; }
+
+/// When the oldest client has had its time: hooks send their message at once, and those that wait give up soon.
+AgentSocketReader::Clock::time_point AgentSocketReader::slowAt() const
+{
+    return m_clients.front().since + m_limits.patience;
 }
 
 AgentSocketReader::Clock::time_point AgentSocketReader::deadline(const Client& client) const

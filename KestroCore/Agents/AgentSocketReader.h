@@ -23,6 +23,8 @@ struct AgentSocketLimits {
     std::chrono::milliseconds connection{ 5000 }; ///< in all
     std::chrono::milliseconds acceptRetry{ 100 }; ///< between attempts while there are no descriptors
     size_t clients = 64; ///< read at once; the others wait in the backlog
+    /// How long a client keeps its place while others wait: then the oldest makes way.
+    std::chrono::milliseconds patience{ 250 };
     qsizetype messageBytes = MessageFramer::defaultMaxBytes;
     qsizetype heldBytes = 67'108'864; ///< of all clients together; at least `messageBytes`
 };
@@ -55,6 +57,8 @@ private:
     void readSome(Client& client, Clock::time_point now);
     bool mayRead(const Client& client) const;
     bool hasRoom() const;
+    bool isFull() const;
+    Clock::time_point slowAt() const; // only while there are clients
     Clock::time_point deadline(const Client& client) const;
 
     FileDescriptor m_listener;

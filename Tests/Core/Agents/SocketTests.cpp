@@ -118,7 +118,7 @@ protected:
     static AgentSocketLimits patient()
     {
         AgentSocketLimits limits;
-        limits.silence = limits.connection = 60s;
+        limits.silence = limits.connection = limits.patience = 60s;
         return limits;
     }
 
@@ -179,6 +179,60 @@ TEST_F(Socket, DropsWhatIsNoMessage)
     SocketClient(path).send(body); // gone in the middle
     SocketClient(path).send(message("good"));
     EXPECT_EQ(inbox.waitFor(1), Ids{ "good" });
+}
+
+TEST_F(Socket, ReadsUpToTheLastByteOfItsLimit)
+{
+    AgentSocketLimits limits = patient();
+    limits.messageBytes = 2 * 65'536; // whole reads fill it
+    const auto socket = started(limits);
+    const qsizetype shortest = message("a").size();
+    const struct {
+        const char* name;
+        qsizetype bytes, blanks;
+        bool comes;
+    } table[]{
+        { "one below", limits.messageBytes - 1, 0, true },
+        { "at the limit", limits.messageBytes, 0, true },
+        { "one above", limits.messageBytes + 1, 0, false },
+        { "blanks up to the limit", limits.messageBytes - 10, 10, true },
+        { "blanks beyond it", limits.messageBytes - 10, 100'000, true },
+        { "blanks alone beyond it", shortest, 200'000, true },
+    };
+    Ids expected;
+    for (const auto& each : table) {
+        for (const bool ends : { true, false }) {
+            SCOPED_TRACE(std::string(each.name) + (ends ? ", closed at once" : ", left open"));
+            SocketClient client(path);
+            client.send(message("a", each.bytes - shortest) + QByteArray(each.blanks, ' '));
+            if (ends)
+                client.endStream();
+            EXPECT_TRUE(client.isClosed());
+            if (each.comes)
+                expected.emplace_back("a");
+        }
+    }
+    SocketClient(path).send(message("good"));
+    expected.emplace_back("good");
+    EXPECT_EQ(inbox.waitFor(expected.size()), expected) << "and the reader goes on";
+}
+
+TEST_F(Socket, LetsTheSlowMakeWay)
+{
+    AgentSocketLimits limits = patient();
+    limits.clients = 2;
+    limits.patience = 20ms;
+    const auto socket = started(limits);
+    std::list<SocketClient> slow;
+    for (int i = 0; i < 3; ++i)
+        slow.emplace_back(path).send(message("slow").first(20));
+    for (const char* id : { "a", "b" }) {
+        SocketClient hook(path);
+        hook.send(message(id));
+        EXPECT_TRUE(hook.isClosed()) << "long before the slow have had their whole time";
+    }
+    EXPECT_EQ(inbox.waitFor(2), (Ids{ "a", "b" }));
+    EXPECT_TRUE(slow.front().isClosed());
 }
 
 TEST_F(Socket, DropsTheSlow)
