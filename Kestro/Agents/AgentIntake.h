@@ -28,9 +28,14 @@ public:
     std::function<void(const SocketMessage&, const HookOrigin&)> received = [](const auto&, const auto&) {};
 
 private:
+    struct Mailbox;
+
+    void deliver();
+
     MainLoop& m_loop;
     PeerInspector& m_peers;
     QString m_path;
+    std::shared_ptr<Mailbox> m_mailbox; ///< shared with the socket's thread
     std::unique_ptr<AgentSocket> m_socket;
 };
 

@@ -3,6 +3,7 @@
 #include "Kestro/Platform/MainLoop.h"
 
 #include <algorithm>
+#include <set>
 
 namespace kestro {
 
@@ -13,7 +14,7 @@ AgentProcesses::AgentProcesses(PeerInspector& peers, const MainLoop& loop, std::
 {
 }
 
-void AgentProcesses::heard(const QString& id, const HookOrigin& origin)
+void AgentProcesses::handleEvent(const QString& id, const HookOrigin& origin)
 {
     std::vector<ProcessId> candidates = agentCandidates(origin);
     if (candidates.empty())
@@ -22,11 +23,17 @@ void AgentProcesses::heard(const QString& id, const HookOrigin& origin)
     if (known == candidates)
         return;
     std::erase_if(candidates, [this](const ProcessId& each) { return !follow(each); });
+    if (candidates.empty() && !known.empty())
+        return; // the event's own processes are gone, the session's are not
     known = std::move(candidates);
     dropUnused();
+    if (known.empty()) {
+        m_candidates.erase(id);
+        m_ended(id);
+    }
 }
 
-void AgentProcesses::keep(const std::function<bool(const QString&)>& lives)
+void AgentProcesses::prune(const std::function<bool(const QString&)>& lives)
 {
     if (std::erase_if(m_candidates, [&lives](const auto& entry) { return !lives(entry.first); }) > 0)
         dropUnused();
@@ -55,9 +62,10 @@ void AgentProcesses::processEnded(const ProcessId& process)
     std::vector<QString> over;
     for (auto& [id, candidates] : m_candidates) {
         const auto agent = std::ranges::find_if(candidates, [&](const ProcessId& each) { return isProven(each, now); });
-        if (agent != candidates.end() && *agent == process)
+        const bool wasAgent = agent != candidates.end() && *agent == process;
+        // Without any candidate left nothing could end the session any more, however short they lived.
+        if (std::erase(candidates, process) > 0 && (wasAgent || candidates.empty()))
             over.push_back(id);
-        std::erase(candidates, process);
     }
     for (const QString& id : over)
         m_candidates.erase(id);
@@ -68,11 +76,10 @@ void AgentProcesses::processEnded(const ProcessId& process)
 
 void AgentProcesses::dropUnused()
 {
-    std::erase_if(m_processes, [this](const auto& entry) {
-        return std::ranges::none_of(m_candidates, [&](const auto& session) {
-            return std::ranges::find(session.second, entry.first) != session.second.end();
-        });
-    });
+    std::set<ProcessId> used;
+    for (const auto& [id, candidates] : m_candidates)
+        used.insert(candidates.begin(), candidates.end());
+    std::erase_if(m_processes, [&used](const auto& entry) { return !used.contains(entry.first); });
 }
 
 } // namespace kestro

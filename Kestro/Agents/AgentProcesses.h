@@ -15,7 +15,8 @@ class MainLoop;
 
 /// Which process is the agent of each session, and that it has ended: a killed agent sends no event. It is the nearest
 /// ancestor of the hook that goes by an agent's name and outlives the event by two seconds, since hooks may be run by
-/// helpers of that name. Nothing wakes for it. Main thread.
+/// helpers of that name. Where none outlives it, the end of the last one ends the session. Nothing wakes for it. Main
+/// thread.
 class AgentProcesses final {
 public:
     /// How long a process must have been known to count as an agent, in seconds.
@@ -25,9 +26,9 @@ public:
     AgentProcesses(PeerInspector& peers, const MainLoop& loop, std::function<void(const QString&)> ended);
 
     /// An event of the session `id` came from `origin`.
-    void heard(const QString& id, const HookOrigin& origin);
+    void handleEvent(const QString& id, const HookOrigin& origin);
     /// Forgets the sessions that are over.
-    void keep(const std::function<bool(const QString&)>& lives);
+    void prune(const std::function<bool(const QString&)>& lives);
 
 private:
     struct Process {

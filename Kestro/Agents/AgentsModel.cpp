@@ -112,8 +112,8 @@ bool AgentsModel::handle(const AgentEvent& event, const HookOrigin& origin)
     const auto before = m_store.state(event.sessionID);
     m_store.apply(event, m_now);
     if (const auto session = m_store.sessions.find(event.sessionID); session != m_store.sessions.end()) {
-        m_processes.heard(event.sessionID, origin);
         m_wayBack.heard(event, origin, session->second);
+        m_processes.handleEvent(event.sessionID, origin); // which may end the session
     }
     // Most events find an agent at work and leave it so: then its age alone is new, which only rows show.
     const auto after = m_store.state(event.sessionID);
@@ -156,7 +156,7 @@ void AgentsModel::sessionsChanged()
     // What is known beside a session goes with it, whichever way it went.
     if (std::exchange(m_sessionCount, m_store.sessions.size()) > m_store.sessions.size()) {
         const auto lives = [this](const QString& id) { return m_store.sessions.contains(id); };
-        m_processes.keep(lives);
+        m_processes.prune(lives);
         m_wayBack.keep(lives);
     }
     // Without sessions there is nothing to age, so the ticker sleeps.

@@ -32,7 +32,8 @@ std::optional<AgentEvent> AgentEvent::parse(QByteArrayView message)
     }
     if (!readJsonFields(message.sliced(newline + 1), fields) || !id || !name)
         return std::nullopt;
-    return AgentEvent{ *agent, *id, *agent == Agent::cursor ? roots.text : folder.value_or(QString()), *name,
+    const QString path = *agent == Agent::cursor ? roots.text : folder.value_or(QString());
+    return AgentEvent{ *agent, id->left(longestId), path.right(longestPath), name->left(longestId),
         *agent == Agent::claude && cursorVersion };
 }
 

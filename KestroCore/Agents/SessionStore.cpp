@@ -77,9 +77,17 @@ void SessionStore::apply(const AgentEvent& event, Date now)
     session.id = event.sessionID;
     session.agent = event.agent;
     if (!event.cwd.isEmpty())
-        session.project = lastComponent(event.cwd);
+        session.project = lastComponent(event.cwd).left(longestName);
     session.state = stateAfter(*effect, session.state);
     session.lastEventAt = now;
+    if (sessions.size() > mostSessions)
+        dropOldest();
+}
+
+void SessionStore::dropOldest()
+{
+    const auto age = [](const auto& entry) { return entry.second.lastEventAt; };
+    sessions.erase(std::ranges::min_element(sessions, {}, age));
 }
 
 void SessionStore::prune(Date now)

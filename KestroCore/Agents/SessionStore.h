@@ -17,6 +17,10 @@ struct SessionStore {
     static constexpr double doneLifetime = 600; ///< the age in seconds at which a done session is pruned
     static constexpr double staleAfter = 1800; ///< the age in seconds at which any session is pruned
 
+    /// Far more than anybody runs. With one more, the one that was silent longest goes.
+    static constexpr std::size_t mostSessions = 1000;
+    static constexpr qsizetype longestName = 255; ///< of a project, in UTF-16 units: no folder's name is longer
+
     std::map<QString, Session> sessions; ///< ordered, so that sessions of one moment keep their places
 
     /// Follows one event. A name that is not known changes nothing, not even the age.
@@ -39,6 +43,7 @@ struct SessionStore {
 
 private:
     int count(AgentState state) const;
+    void dropOldest();
 };
 
 } // namespace kestro

@@ -41,7 +41,9 @@ TEST(AgentProcesses, theNearestThatOutlivesItsEventByTwoSecondsIsTheAgent)
         { "killed", -1, 10, {} },
         { "a short-lived helper, then killed", 1.9, 10, one },
         { "a helper that was gone at once, then killed", 0, 10, one },
-        { "killed before it was proven", 0, 1.9, {} },
+        { "killed before it was proven", 0, 1.9, one },
+        { "killed at once, and its helper before it", 0.1, 0.2, one },
+        { "both gone before they were looked at", 0, 0, one },
         { "the helper was the agent after all", 2, -1, one },
         { "and its parent's end changes nothing", 2, 3, one },
     };
@@ -57,7 +59,7 @@ TEST(AgentProcesses, theNearestThatOutlivesItsEventByTwoSecondsIsTheAgent)
         };
         const WorkItem first = endAt(helper, each.helperEnds);
         const WorkItem second = endAt(claude, each.claudeEnds);
-        processes.heard(QStringLiteral("s"), from({ shell, helper, claude }));
+        processes.handleEvent(QStringLiteral("s"), from({ shell, helper, claude }));
         platform.loop.advance(60);
         EXPECT_EQ(over, each.over) << each.name;
     }
@@ -65,12 +67,12 @@ TEST(AgentProcesses, theNearestThatOutlivesItsEventByTwoSecondsIsTheAgent)
 
 TEST_F(AgentProcessesTest, aSessionThatGoesOnElsewhereOutlivesItsFirstProcess)
 {
-    processes.heard(QStringLiteral("s"), from({ shell, claude }));
-    processes.heard(QStringLiteral("other"), from({ shell, claude }));
+    processes.handleEvent(QStringLiteral("s"), from({ shell, claude }));
+    processes.handleEvent(QStringLiteral("other"), from({ shell, claude }));
     EXPECT_EQ(platform.peers.watches(), 1) << "one process, one watch";
     platform.loop.advance(5);
-    processes.heard(QStringLiteral("s"), from({ shell, helper }));
-    processes.heard(QStringLiteral("s"), {}); // one that cannot be seen tells nothing new
+    processes.handleEvent(QStringLiteral("s"), from({ shell, helper }));
+    processes.handleEvent(QStringLiteral("s"), {}); // one that cannot be seen tells nothing new
     platform.loop.advance(5);
     platform.peers.end(claude);
     EXPECT_THAT(over, ElementsAre(QStringLiteral("other")));
@@ -81,9 +83,9 @@ TEST_F(AgentProcessesTest, aSessionThatGoesOnElsewhereOutlivesItsFirstProcess)
 
 TEST_F(AgentProcessesTest, nothingIsWatchedForSessionsThatAreOver)
 {
-    processes.heard(QStringLiteral("s"), from({ shell, helper, claude }));
+    processes.handleEvent(QStringLiteral("s"), from({ shell, helper, claude }));
     EXPECT_EQ(platform.loop.waiting(), 0) << "no timer for the two seconds";
-    processes.keep([](const QString&) { return false; });
+    processes.prune([](const QString&) { return false; });
     EXPECT_EQ(platform.peers.watches(), 0);
     EXPECT_THAT(over, IsEmpty());
 }

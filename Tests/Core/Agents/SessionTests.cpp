@@ -113,6 +113,29 @@ TEST(SessionStore, CountsAndLightsTheWing)
     }
 }
 
+TEST(SessionStore, KeepsTheNewestOfAFlood)
+{
+    SessionStore store;
+    const auto id = [](int number) { return "s" + std::to_string(number); };
+    for (int i = 0; i < 20'000; ++i) {
+        store.apply(event("PostToolUse", id(i).c_str()), start + i);
+        if (i % 100 == 0)
+            store.apply(event("PostToolUse", "old but alive"), start + i);
+    }
+    EXPECT_EQ(store.sessions.size(), SessionStore::mostSessions);
+    for (const auto& [name, kept] : { std::pair(id(19'999), true), { "old but alive", true }, { id(18'000), false } })
+        EXPECT_EQ(store.state(QString::fromStdString(name)).has_value(), kept) << name;
+    const std::string longName(4'000'000, 'x');
+    const auto parsed =
+        AgentEvent::parse(QByteArray::fromStdString("agent=claude\n{\"hook_event_name\":\"Stop\",\"session_id\":\""
+            + longName + "\",\"cwd\":\"/" + longName + "\"}"));
+    ASSERT_TRUE(parsed);
+    store.apply(*parsed, start + 30'000);
+    const Session session = store.sorted().front();
+    EXPECT_EQ(session.id.size(), AgentEvent::longestId);
+    EXPECT_EQ(session.project.size(), SessionStore::longestName);
+}
+
 TEST(SessionStore, SortsTheNewestFirstAndEqualsById)
 {
     SessionStore store;
