@@ -44,6 +44,8 @@ FocusScope {
     ListView {
         id: sessions
 
+        property string selectedId ///< of the session that the keyboard is on
+
         readonly property int page: Math.max(1, Math.floor(height / Theme.rowHeight) - 1)
 
         anchors { fill: parent; topMargin: errors.height }
@@ -56,6 +58,21 @@ FocusScope {
         cacheBuffer: list.keyboard ? 8 * Theme.rowHeight : 0
         highlightMoveDuration: 0
         model: list.rows
+
+        onCurrentIndexChanged: if (list.keyboard) selectedId = list.rows.idAt(currentIndex)
+
+        Connections {
+            target: list.keyboard ? list.rows : null
+
+            // A session that moves takes the selection along.
+            function onShown() {
+                const row = list.rows.rowOf(sessions.selectedId);
+                if (row >= 0)
+                    sessions.currentIndex = row;
+                else
+                    sessions.selectedId = list.rows.idAt(sessions.currentIndex);
+            }
+        }
 
         Keys.enabled: list.keyboard
         Keys.onReturnPressed: currentItem?.pressed()

@@ -2,7 +2,6 @@
 
 #include "Kestro/Agents/AgentSymbols.h"
 
-#include <QSet>
 #include <algorithm>
 
 namespace kestro {
@@ -33,44 +32,33 @@ void SessionRows::show(std::span<const Session> sessions, Date now, const std::m
             lost == lostWays.end() ? QString() : lost->second });
     }
 
-    arrange(rows);
-    for (qsizetype i = 0; i < rows.size(); ++i) {
+    const auto shared = std::min(rows.size(), m_rows.size());
+    if (rows.size() < m_rows.size()) {
+        beginRemoveRows({}, int(shared), int(m_rows.size()) - 1);
+        m_rows.resize(shared);
+        endRemoveRows();
+    }
+    for (qsizetype i = 0; i < shared; ++i) {
         if (rows[i] == m_rows[i])
             continue;
         m_rows[i] = std::move(rows[i]);
         Q_EMIT dataChanged(index(int(i)), index(int(i)));
     }
+    if (rows.size() > shared) {
+        beginInsertRows({}, int(shared), int(rows.size()) - 1);
+        m_rows.append(rows.sliced(shared));
+        endInsertRows();
+    }
+    Q_EMIT shown();
 }
 
-void SessionRows::arrange(const QList<Row>& rows)
+int SessionRows::rowOf(const QString& id) const
 {
-    QSet<QString> wanted;
-    for (const Row& row : rows)
-        wanted.insert(row.id);
-    for (int i = int(m_rows.size()) - 1; i >= 0; --i) {
-        if (wanted.contains(m_rows[i].id))
-            continue;
-        beginRemoveRows({}, i, i);
-        m_rows.removeAt(i);
-        endRemoveRows();
-    }
-    for (int i = 0; i < int(rows.size()); ++i) {
-        if (i < m_rows.size() && m_rows[i].id == rows[i].id)
-            continue;
-        const auto found =
-            std::find_if(m_rows.cbegin() + i, m_rows.cend(), [&](const Row& each) { return each.id == rows[i].id; });
-        if (found == m_rows.cend()) {
-            beginInsertRows({}, i, i);
-            m_rows.insert(i, rows[i]);
-            endInsertRows();
-        } else {
-            const int from = int(found - m_rows.cbegin());
-            beginMoveRows({}, from, from, {}, i);
-            m_rows.move(from, i);
-            endMoveRows();
-        }
-    }
+    const auto found = std::ranges::find(m_rows, id, &Row::id);
+    return found == m_rows.end() ? -1 : int(found - m_rows.begin());
 }
+
+QString SessionRows::idAt(int row) const { return row >= 0 && row < m_rows.size() ? m_rows[row].id : QString(); }
 
 int SessionRows::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : int(m_rows.size()); }
 

@@ -76,6 +76,28 @@ class Test(DesktopTest):
         self.tree.wait_gone("button", "Open AI window")
         self.expect_limits()
 
+    def test_rows_are_told_in_the_order_that_is_seen(self):
+        self.start()
+        for session in (1, 2, 3):
+            self.tell_event("UserPromptSubmit", session)
+
+        def expect(*projects):
+            wait_for(lambda: [name[:2] for name in self.rows() if name.startswith("p")] == list(projects), 3,
+                     lambda: f"the order {projects}:\n{self.tree}")
+            tops = [row.frame.middle[1] for row in self.tree.find_all("list item") if row.name.startswith("p")]
+            self.assertEqual(sorted(tops), tops)
+
+        self.point_at_tile()
+        expect("p3", "p2", "p1")
+        self.tell_event("PostToolUse", 1)
+        expect("p1", "p3", "p2")
+        self.open_window()
+        expect("p1", "p3", "p2")
+        self.tell_event("PostToolUse", 2)
+        expect("p2", "p1", "p3")
+        self.tell_event("SessionEnd", 1)
+        expect("p2", "p3")
+
     def test_only_what_is_on_shows(self):
         self.start(agentsEnabled=False)
         self.point_at_tile()
