@@ -21,18 +21,18 @@ protected:
     static void SetUpTestSuite()
     {
         for (const char* const name : { "XDG_DATA_HOME", "XDG_DATA_DIRS", "XDG_CONFIG_HOME" })
-            qputenv(name, QFile::encodeName(s_data.path()));
+            qputenv(name, QFile::encodeName(dataFolder.path()));
         qputenv("LANGUAGE", "xx");
         // Without an address GIO would start a bus and leave it running.
         if (qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS"))
             qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
 
-        QDir(s_data.path()).mkdir(u"applications"_s);
-        const QString opener = s_data.filePath(u"opener"_s);
+        QDir(dataFolder.path()).mkdir(u"applications"_s);
+        const QString opener = dataFolder.filePath(u"opener"_s);
         writeFile(opener, "cd \"${0%/*}\"; echo \"$1\" > opened.part; mv opened.part opened\n");
-        writeFile(s_data.filePath(u"applications/opener.desktop"_s),
+        writeFile(dataFolder.filePath(u"applications/opener.desktop"_s),
             app + "MimeType=x-scheme-handler/kestro-test;\nExec=sh " + QFile::encodeName(opener) + " %u\n");
-        writeFile(s_data.filePath(u"mimeapps.list"_s),
+        writeFile(dataFolder.filePath(u"mimeapps.list"_s),
             "[Default Applications]\nx-scheme-handler/kestro-test=opener.desktop\n");
     }
     QString write(const QString& name, const QByteArray& content) const
@@ -48,7 +48,7 @@ protected:
         return outcome;
     }
 
-    static inline const QTemporaryDir s_data;
+    static inline const QTemporaryDir dataFolder;
     const QTemporaryDir m_folder;
     GioWorkspace m_workspace;
 };
@@ -81,7 +81,7 @@ TEST_F(GioWorkspaceTest, KnowsAnApplicationFromAnythingElse)
 
 TEST_F(GioWorkspaceTest, ListsWhatTheMenusShow)
 {
-    const QString folder = s_data.filePath(u"applications/listed"_s);
+    const QString folder = dataFolder.filePath(u"applications/listed"_s);
     const std::tuple<const char*, const char*, const char*> entries[] = {
         { "zebra", "Name=zebra\n", "Exec=true\n" },
         { "one", "Name=Éclair b\n", "Exec=true\n" },
@@ -117,13 +117,13 @@ TEST_F(GioWorkspaceTest, DrawsIconsFromFilesAndThemes)
     const QString wide = m_folder.filePath(u"wide.png"_s);
     const QString small = m_folder.filePath(u"small.png"_s);
     const QString longStrip = m_folder.filePath(u"long.png"_s);
-    const QString theme = s_data.filePath(u"icons/hicolor"_s);
+    const QString theme = dataFolder.filePath(u"icons/hicolor"_s);
     QDir().mkpath(theme + u"/48x48/apps"_s);
     ASSERT_TRUE(picture.save(wide) && picture.copy(0, 0, 20, 20).save(small) && picture.scaled(3000, 1).save(longStrip)
         && picture.copy(0, 0, 48, 48).save(theme + u"/48x48/apps/themed.png"_s));
     writeFile(theme + u"/index.theme"_s,
         "[Icon Theme]\nName=hicolor\nDirectories=48x48/apps\n[48x48/apps]\nSize=48\nType=Fixed\n");
-    QIcon::setThemeSearchPaths({ s_data.filePath(u"icons"_s) });
+    QIcon::setThemeSearchPaths({ dataFolder.filePath(u"icons"_s) });
     const std::pair<QString, QSize> cases[] = {
         { wide, { 64, 32 } },
         { small, { 20, 20 } },
@@ -233,7 +233,7 @@ TEST_F(GioWorkspaceTest, SaysWhatItCannotDo)
 
 TEST_F(GioWorkspaceTest, OpensAddressesWithTheirApplication)
 {
-    const QString trace = s_data.filePath(u"opened"_s);
+    const QString trace = dataFolder.filePath(u"opened"_s);
     EXPECT_TRUE(m_workspace.openUrl(QUrl(u"kestro-test://a/b%20c?d=e"_s)));
     ASSERT_TRUE(waitFor([&] { return QFile::exists(trace); }));
     EXPECT_EQ(contentOf(trace), "kestro-test://a/b%20c?d=e\n");

@@ -16,8 +16,8 @@ class NetworkFetcherTest : public testing::Test {
 protected:
     static constexpr qint64 limit = 100'000;
 
-    static void SetUpTestSuite() { s_server = std::make_unique<HttpsServer>(); }
-    static void TearDownTestSuite() { s_server.reset(); }
+    static void SetUpTestSuite() { sharedServer = std::make_unique<HttpsServer>(); }
+    static void TearDownTestSuite() { sharedServer.reset(); }
 
     FetchResult fetch(NetworkFetcher& fetcher, const QUrl& url, double timeout = 4)
     {
@@ -30,9 +30,9 @@ protected:
         return results.value(0);
     }
 
-    static inline std::unique_ptr<HttpsServer> s_server;
+    static inline std::unique_ptr<HttpsServer> sharedServer;
     QtMainLoop m_loop;
-    NetworkFetcher m_fetcher{ m_loop, s_server->authority };
+    NetworkFetcher m_fetcher{ m_loop, sharedServer->authority };
 };
 
 TEST_F(NetworkFetcherTest, HandsOverAnswersOfEveryStatus)
@@ -44,7 +44,7 @@ TEST_F(NetworkFetcherTest, HandsOverAnswersOfEveryStatus)
         { "/full", 200, QByteArray(limit - HttpsServer::headBytes, 'x') },
     };
     for (const auto& [path, status, body] : cases) {
-        const FetchResult result = fetch(m_fetcher, s_server->url(path));
+        const FetchResult result = fetch(m_fetcher, sharedServer->url(path));
         EXPECT_EQ(result.error, QString()) << path;
         EXPECT_EQ(result.status, status) << path;
         EXPECT_TRUE(result.body == body) << path;
@@ -68,14 +68,14 @@ TEST_F(NetworkFetcherTest, RefusesWhatIsHostileOrBroken)
         SCOPED_TRACE(path);
         QElapsedTimer clock;
         clock.start();
-        const auto before = s_server->requests.size();
-        const FetchResult result = fetch(m_fetcher, s_server->url(path), timeout);
+        const auto before = sharedServer->requests.size();
+        const FetchResult result = fetch(m_fetcher, sharedServer->url(path), timeout);
         EXPECT_EQ(result.error, QLatin1String(error));
         EXPECT_TRUE(result.body.isEmpty());
         EXPECT_LT(clock.elapsed(), 3000);
-        EXPECT_LE(s_server->requests.size() - before, 6);
+        EXPECT_LE(sharedServer->requests.size() - before, 6);
     }
-    EXPECT_LT(s_server->endlessBytes, 20'000'000) << "of a gigabyte";
+    EXPECT_LT(sharedServer->endlessBytes, 20'000'000) << "of a gigabyte";
     for (const char* const url : { "http://127.0.0.1/", "file:///etc/hostname", "https://", "" })
         EXPECT_EQ(fetch(m_fetcher, QUrl(QLatin1String(url))).error, u"not a secure web address"_s) << url;
 }
@@ -83,30 +83,31 @@ TEST_F(NetworkFetcherTest, RefusesWhatIsHostileOrBroken)
 TEST_F(NetworkFetcherTest, TrustsNobodyElse)
 {
     NetworkFetcher systemTrust(m_loop);
-    EXPECT_TRUE(fetch(systemTrust, s_server->url("/good")).error.contains(u"certificate"));
+    EXPECT_TRUE(fetch(systemTrust, sharedServer->url("/good")).error.contains(u"certificate"));
     // The right authority, the wrong name.
-    EXPECT_TRUE(fetch(m_fetcher, s_server->url("/good", "127.0.0.2")).error.contains(u"host name"));
+    EXPECT_TRUE(fetch(m_fetcher, sharedServer->url("/good", "127.0.0.2")).error.contains(u"host name"));
 }
 
 TEST_F(NetworkFetcherTest, SendsNothingAlong)
 {
-    fetch(m_fetcher, s_server->url("/cookie"));
-    fetch(m_fetcher, s_server->url("/good"));
-    EXPECT_FALSE(s_server->requests.last().toLower().contains("cookie")) << s_server->requests.last().constData();
+    fetch(m_fetcher, sharedServer->url("/cookie"));
+    fetch(m_fetcher, sharedServer->url("/good"));
+    EXPECT_FALSE(sharedServer->requests.last().toLower().contains("cookie"))
+        << sharedServer->requests.last().constData();
 }
 
 TEST_F(NetworkFetcherTest, TellsNothingAfterTheHandleHasGone)
 {
     for (const char* const path : { "/good", "/endless", "/hang" }) {
         int told = 0;
-        const auto requests = s_server->requests.size();
-        auto handle = m_fetcher.get(s_server->url(path), 0.2, limit, [&](const FetchResult&) { ++told; });
-        ASSERT_TRUE(waitFor([&] { return s_server->requests.size() > requests; }));
+        const auto requests = sharedServer->requests.size();
+        auto handle = m_fetcher.get(sharedServer->url(path), 0.2, limit, [&](const FetchResult&) { ++told; });
+        ASSERT_TRUE(waitFor([&] { return sharedServer->requests.size() > requests; }));
         handle.reset();
-        fetch(m_fetcher, s_server->url("/good")); // time for what must not come
+        fetch(m_fetcher, sharedServer->url("/good")); // time for what must not come
         EXPECT_EQ(told, 0) << path;
         // The one who is told may drop it too.
-        handle = m_fetcher.get(s_server->url(path), 0.2, limit, [&](const FetchResult&) { handle.reset(); });
+        handle = m_fetcher.get(sharedServer->url(path), 0.2, limit, [&](const FetchResult&) { handle.reset(); });
         EXPECT_TRUE(waitFor([&] { return !handle; })) << path;
     }
 }
@@ -116,14 +117,14 @@ bool isSecondLoopback(const sockaddr* address) { return QHostAddress(address) ==
 
 TEST_F(NetworkFetcherTest, FollowsNoRedirectFromThePublicIntoTheLocalNetwork)
 {
-    NetworkFetcher fetcher(m_loop, s_server->authority, &isSecondLoopback);
-    const auto before = s_server->requests.size();
-    EXPECT_EQ(fetch(fetcher, s_server->url("/elsewhere")).error, u"redirected into the local network"_s);
-    EXPECT_EQ(s_server->requests.size() - before, 1) << "the second host was not spoken to";
-    EXPECT_EQ(fetch(fetcher, s_server->url("/redirect")).body, "hello");
+    NetworkFetcher fetcher(m_loop, sharedServer->authority, &isSecondLoopback);
+    const auto before = sharedServer->requests.size();
+    EXPECT_EQ(fetch(fetcher, sharedServer->url("/elsewhere")).error, u"redirected into the local network"_s);
+    EXPECT_EQ(sharedServer->requests.size() - before, 1) << "the second host was not spoken to";
+    EXPECT_EQ(fetch(fetcher, sharedServer->url("/redirect")).body, "hello");
     // What the user names is asked, and one local host may name another: only the certificate is wrong here.
-    EXPECT_TRUE(fetch(fetcher, s_server->url("/good", "127.0.0.2")).error.contains(u"host name"));
-    EXPECT_TRUE(fetch(m_fetcher, s_server->url("/elsewhere")).error.contains(u"host name"));
+    EXPECT_TRUE(fetch(fetcher, sharedServer->url("/good", "127.0.0.2")).error.contains(u"host name"));
+    EXPECT_TRUE(fetch(m_fetcher, sharedServer->url("/elsewhere")).error.contains(u"host name"));
 }
 
 TEST(InsideAddress, TellsTheLocalNetworkFromTheInternet)
