@@ -1,6 +1,7 @@
 #include "Kestro/Agents/AgentHealth.h"
 
 #include "Kestro/Platform/CommandRunner.h"
+#include "Kestro/Platform/Log.h"
 #include "KestroCore/Agents/CodexLimitsReader.h"
 #include "KestroCore/Agents/ConfigFile.h"
 #include "KestroCore/Agents/HookInstaller.h"
@@ -13,6 +14,7 @@
 #include <QPointer>
 #include <QUuid>
 #include <algorithm>
+#include <utility>
 
 namespace kestro {
 
@@ -74,6 +76,7 @@ void AgentHealth::refresh()
 {
     for (const Agent agent : allAgents)
         look(agent);
+    lookAtSocket();
     Q_EMIT changed();
 }
 
@@ -85,6 +88,23 @@ void AgentHealth::look(Agent agent)
     } catch (const StorageError&) {
         state(agent).hooks = { HookState::unreadable, std::nullopt };
     }
+}
+
+/// A file is removed when the socket is opened; a folder is not, since somebody may need what is in it.
+void AgentHealth::lookAtSocket()
+{
+    const QFileInfo place(m_socket);
+    const QString shown = QString(m_socket).replace(m_home, QStringLiteral("~"));
+    QString obstacle;
+    if (!std::ranges::any_of(allAgents, isWanted))
+        obstacle.clear();
+    else if (place.isDir())
+        obstacle = QStringLiteral("A folder is in the socket's place: move %1 away, then press Repair.").arg(shown);
+    else if (place.isFile())
+        obstacle = QStringLiteral("A file is in the socket's place, %1: press Repair.").arg(shown);
+    if (std::exchange(m_obstacle, obstacle) != obstacle && !obstacle.isEmpty())
+        m_platform.log.write(QStringLiteral("Kestro: no agent can be heard: %1 is a %2, not a socket")
+                                 .arg(m_socket, place.isDir() ? QStringLiteral("folder") : QStringLiteral("file")));
 }
 
 void AgentHealth::test(const QString& agent)
@@ -160,9 +180,10 @@ void AgentHealth::examine(Agent agent, const QString& id)
     m_platform.commands.run({ netcat, QStringLiteral("-U"), QStringLiteral("-w1"), m_socket }, {}, patience,
         [health = QPointer(this), agent, id = test->id](const CommandResult& result) {
             const Test* still = health ? health->running(agent, id) : nullptr;
-            if (still && !still->seconds)
-                health->finish(
-                    agent, result.started ? HookHealth::reasonFromProbe(result.errors) : TestResult::noNetcat);
+            if (!still || still->seconds)
+                return;
+            health->lookAtSocket();
+            health->finish(agent, result.started ? HookHealth::reasonFromProbe(result.errors) : TestResult::noNetcat);
         });
 }
 
@@ -200,7 +221,7 @@ bool AgentHealth::isRepairable() const
     return std::ranges::any_of(allAgents, [this](Agent agent) {
         const State& own = state(agent);
         const bool hookIsOff = own.hooks.state == HookState::none || own.hooks.state == HookState::edited;
-        return isWanted(agent) && (hookIsOff || (own.report && own.report->isRepairable()));
+        return isWanted(agent) && (hookIsOff || !m_obstacle.isEmpty() || (own.report && own.report->isRepairable()));
     });
 }
 
@@ -225,10 +246,12 @@ QVariantMap AgentHealth::row(Agent agent) const
         caption = stateText(own.hooks.state) + QStringLiteral(" · ") + last;
         if (own.test)
             result = QStringLiteral("Testing…");
+        else if (!m_obstacle.isEmpty())
+            result = m_obstacle;
         else if (own.report)
             result = own.report->text();
     }
-    const bool failed = own.report && !own.test && !own.report->isGood();
+    const bool failed = on && !own.test && (!m_obstacle.isEmpty() || (own.report && !own.report->isGood()));
     return { { QStringLiteral("on"), on }, { QStringLiteral("state"), caption }, { QStringLiteral("result"), result },
         { QStringLiteral("failed"), failed }, { QStringLiteral("testing"), own.test.has_value() } };
 }

@@ -79,6 +79,7 @@ private:
     const State& state(Agent agent) const { return m_states[std::size_t(agent)]; }
     QString file(Agent agent) const;
     void look(Agent agent);
+    void lookAtSocket();
     void start(Agent agent);
     void seekNewestLog(const QString& id);
     /// The test of this agent, while it is still the one known by `id`.
@@ -91,6 +92,8 @@ private:
     Platform m_platform;
     QString m_home;
     QString m_socket;
+    /// What the user is told of a file or folder in the socket's place; empty where there is none.
+    QString m_obstacle;
     Date m_since; ///< when we began to listen
     std::array<State, allAgents.size()> m_states;
     SerialQueue m_queue{ "kestro.health" };

@@ -28,10 +28,22 @@ Column {
         model: list.errorLines
 
         ErrorLine {
+            id: error
+
             required property string modelData
 
             width: list.width
             text: modelData
+            elide: Text.ElideMiddle // the file stands at the beginning, the reason at the end
+
+            HoverHandler {
+                onHoveredChanged: {
+                    if (hovered)
+                        list.toolTips?.entered(error, error.text);
+                    else
+                        list.toolTips?.left(error);
+                }
+            }
         }
     }
     Repeater {

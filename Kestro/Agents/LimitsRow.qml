@@ -69,6 +69,7 @@ Item {
         anchors { left: agent.right; leftMargin: 12; right: parent.right; rightMargin: 8; baseline: agent.baseline }
         visible: text !== ""
         horizontalAlignment: Text.AlignRight
+        elide: Text.ElideMiddle // what is to be done stands at the end
         opacity: 0.5
         text: row.note
         font: Theme.captionFont

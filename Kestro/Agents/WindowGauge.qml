@@ -39,8 +39,7 @@ Item {
 
         Rectangle {
             objectName: "fill"
-            // A round end needs its own width to be seen as one.
-            width: gauge.fill > 0 ? Math.max(height, Math.min(parent.width, gauge.fill * Theme.growth)) : 0
+            width: Math.max(0, Math.min(parent.width, gauge.fill * Theme.growth))
             height: parent.height
             radius: parent.radius
             color: gauge.style === "accent" ? Theme.accent

@@ -4,6 +4,18 @@
 
 namespace kestro {
 
+namespace {
+
+/// At most `most` characters of it, which hold no more memory than they need.
+QString cut(const QString& text, qsizetype most)
+{
+    if (text.size() <= most)
+        return text;
+    return text.left(text.at(most - 1).isHighSurrogate() ? most - 1 : most);
+}
+
+} // namespace
+
 std::optional<Agent> AgentEvent::agentOfHeader(QByteArrayView line)
 {
     static constexpr QByteArrayView prefix = "agent=";
@@ -30,10 +42,10 @@ std::optional<AgentEvent> AgentEvent::parse(QByteArrayView message)
         fields.push_back({ "cwd", &folder });
         fields.push_back({ "cursor_version", &cursorVersion });
     }
-    if (!readJsonFields(message.sliced(newline + 1), fields) || !id || !name)
+    if (!readJsonFields(message.sliced(newline + 1), fields) || !id || !name || id->size() > mostIdChars)
         return std::nullopt;
-    const QString path = *agent == Agent::cursor ? roots.text : folder.value_or(QString());
-    return AgentEvent{ *agent, id->left(longestId), path.right(longestPath), name->left(longestId),
+    const QString cwd = *agent == Agent::cursor ? roots.text : folder.value_or(QString());
+    return AgentEvent{ *agent, *id, cut(cwd, mostFolderChars), cut(*name, mostNameChars),
         *agent == Agent::claude && cursorVersion };
 }
 

@@ -28,14 +28,15 @@ void makeFolder(const std::filesystem::path& folder)
 {
     if (folder.empty())
         return;
-    if (struct stat status{}; ::stat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) {
-        if ((status.st_mode & 0077) != 0 && status.st_uid == ::getuid())
-            ::chmod(folder.c_str(), 0700);
-        return;
+    struct stat status { };
+    if (::stat(folder.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) {
+        std::filesystem::create_directories(folder.parent_path());
+        if (::mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST)
+            throwPosix(errno, "mkdir");
+    } else if ((status.st_mode & (S_IRWXG | S_IRWXO)) != 0 && ::chmod(folder.c_str(), 0700) != 0) {
+        // Made by another program, or restored from a copy. One that stays open to others is no place to listen.
+        throwPosix(errno, "chmod");
     }
-    std::filesystem::create_directories(folder.parent_path());
-    if (::mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST)
-        throwPosix(errno, "mkdir");
 }
 
 FileDescriptor listenAt(const std::string& path)

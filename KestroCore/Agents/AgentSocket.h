@@ -20,8 +20,9 @@ public:
     AgentSocket(const AgentSocket&) = delete;
     AgentSocket& operator=(const AgentSocket&) = delete;
 
-    /// Makes the folder if need be, takes the place of whatever file has the path, and listens. Nothing when started.
-    /// Throws std::system_error: the folder's, the socket's, or ENAMETOOLONG for a path over 103 bytes of UTF-8.
+    /// Makes the folder if need be, closes it to other users, takes the place of whatever file has the path, and
+    /// listens. Nothing when started. Throws std::system_error: the folder's, the socket's, or ENAMETOOLONG for a path
+    /// over 103 bytes of UTF-8.
     void start();
     /// Removes the file, drops the clients and waits for a running `onMessage`; none comes afterwards. Nothing when
     /// not started. `start` and `stop` belong to one thread.

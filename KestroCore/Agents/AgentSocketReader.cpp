@@ -59,24 +59,24 @@ void AgentSocketReader::run()
 /// Only what can make progress is watched: poll reports a waiting connection or a hung-up client again and again.
 void AgentSocketReader::watch(Clock::time_point now)
 {
-    const bool accepting = (!isFull() || now >= slowAt()) && hasRoom() && now >= m_acceptAgain;
+    const bool accepting = now >= m_acceptAgain && (hasPlace() || slowest(now) != m_clients.end());
     m_watched.clear();
     m_watched.push_back({ m_wake.get(), POLLIN, 0 });
     m_watched.push_back({ accepting ? m_listener.get() : -1, POLLIN, 0 });
     for (Client& client : m_clients) {
         const bool reading = mayRead(client);
         if (!reading)
-            client.heard = now; // not its silence but ours
+            client.lastByteAt = now; // not its silence but ours
         m_watched.push_back({ reading ? client.descriptor.get() : -1, POLLIN, 0 });
     }
 }
 
 /// Milliseconds to the next thing that has to happen by itself; -1 when there is none.
-int AgentSocketReader::timeout(Clock::time_point now) const
+int AgentSocketReader::timeout(Clock::time_point now)
 {
     auto next = m_acceptAgain > now ? m_acceptAgain : Clock::time_point::max();
-    if (isFull() && slowAt() > now)
-        next = std::min(next, slowAt());
+    if (!hasPlace() && slowest(now) == m_clients.end())
+        next = std::min(next, m_clients.front().since + m_limits.grace);
     for (const Client& client : m_clients)
         next = std::min(next, deadline(client));
     if (next == Clock::time_point::max())
@@ -95,8 +95,30 @@ void AgentSocketReader::serve(Clock::time_point now)
             client.descriptor.close();
     }
     std::erase_if(m_clients, [](const Client& client) { return !client.descriptor; });
-    if (isReady(listenerSlot))
-        acceptOne(now);
+    if (!isReady(listenerSlot))
+        return;
+    while (!hasPlace()) {
+        const auto victim = slowest(now);
+        if (victim == m_clients.end())
+            return;
+        m_clients.erase(victim);
+    }
+    acceptOne(now);
+}
+
+bool AgentSocketReader::hasPlace() const { return m_clients.size() < m_limits.clients && hasRoom(); }
+
+/// The client that has been silent longest or, where memory is short, that holds most, of those that have had the time
+/// in which a hook sends everything. Without it, clients that send a byte now and then would hold all places for as
+/// long as a connection may last.
+std::vector<AgentSocketReader::Client>::iterator AgentSocketReader::slowest(Clock::time_point now)
+{
+    const auto young =
+        std::ranges::find_if(m_clients, [&](const Client& client) { return now - client.since < m_limits.grace; });
+    const auto found = std::min_element(m_clients.begin(), young, [room = hasRoom()](const Client& a, const Client& b) {
+        return room ? a.lastByteAt < b.lastByteAt : a.framer.size() > b.framer.size();
+    });
+    return found == young ? m_clients.end() : found;
 }
 
 void AgentSocketReader::acceptOne(Clock::time_point now)
@@ -107,8 +129,6 @@ void AgentSocketReader::acceptOne(Clock::time_point now)
         m_acceptAgain = now + m_limits.acceptRetry;
         return;
     }
-    if (isFull())
-        m_clients.erase(m_clients.begin());
     m_clients.push_back({ std::move(descriptor), MessageFramer(m_limits.messageBytes), now, now });
     readSome(m_clients.back(), now); // most clients have written by now
     if (!m_clients.back().descriptor)
@@ -119,16 +139,15 @@ void AgentSocketReader::acceptOne(Clock::time_point now)
 /// everything that has already come is read, since it decides whether the message is valid.
 void AgentSocketReader::readSome(Client& client, Clock::time_point now)
 {
-    for (;;) {
+    // A read of no bytes would look like the end of the stream, for ever.
+    while (client.framer.room() > 0) {
         const auto wanted = std::min(m_buffer.size(), static_cast<size_t>(client.framer.room()));
-        if (wanted == 0)
-            break; // recv with length 0 returns 0 for ever, which is not the end of the stream
         const auto count = ::recv(client.descriptor.get(), m_buffer.data(), wanted, MSG_DONTWAIT);
         if (count < 0 && errno == EINTR)
             continue;
         const bool nothingYet = count < 0 && (errno == EAGAIN || errno == EWOULDBLOCK);
         if (count > 0) {
-            client.heard = now;
+            client.lastByteAt = now;
             client.framer.feed({ m_buffer.data(), count });
         }
         if (client.framer.state() == MessageFramer::State::Reading && (count > 0 || nothingYet))
@@ -154,17 +173,9 @@ bool AgentSocketReader::hasRoom() const
     return held <= m_limits.heldBytes - m_limits.messageBytes;
 }
 
-bool AgentSocketReader::isFull() const { return m_clients.size() >= m_limits.clients; }
-
-/// When the oldest client has had its time: hooks send their message at once, and those that wait give up soon.
-AgentSocketReader::Clock::time_point AgentSocketReader::slowAt() const
-{
-    return m_clients.front().since + m_limits.patience;
-}
-
 AgentSocketReader::Clock::time_point AgentSocketReader::deadline(const Client& client) const
 {
-    return std::min(client.heard + m_limits.silence, client.since + m_limits.connection);
+    return std::min(client.lastByteAt + m_limits.silence, client.since + m_limits.connection);
 }
 
 } // namespace kestro

@@ -21,10 +21,9 @@ using OnSocketMessage = std::function<void(SocketMessage message, int connection
 struct AgentSocketLimits {
     std::chrono::milliseconds silence{ 1000 }; ///< without a byte, from the connection or the last one on
     std::chrono::milliseconds connection{ 5000 }; ///< in all
+    std::chrono::milliseconds grace{ 250 }; ///< until a client gives its place to another that waits
     std::chrono::milliseconds acceptRetry{ 100 }; ///< between attempts while there are no descriptors
-    size_t clients = 64; ///< read at once; the others wait in the backlog
-    /// How long a client keeps its place while others wait: then the oldest makes way.
-    std::chrono::milliseconds patience{ 250 };
+    size_t clients = 64; ///< read at once; the others wait in the backlog until one ends or gives its place
     qsizetype messageBytes = MessageFramer::defaultMaxBytes;
     qsizetype heldBytes = 67'108'864; ///< of all clients together; at least `messageBytes`
 };
@@ -47,18 +46,18 @@ private:
         FileDescriptor descriptor; // none once the client is done with
         MessageFramer framer;
         Clock::time_point since;
-        Clock::time_point heard;
+        Clock::time_point lastByteAt;
     };
 
     void watch(Clock::time_point now);
-    int timeout(Clock::time_point now) const;
+    int timeout(Clock::time_point now);
     void serve(Clock::time_point now);
+    bool hasPlace() const;
+    std::vector<Client>::iterator slowest(Clock::time_point now);
     void acceptOne(Clock::time_point now);
     void readSome(Client& client, Clock::time_point now);
     bool mayRead(const Client& client) const;
     bool hasRoom() const;
-    bool isFull() const;
-    Clock::time_point slowAt() const; // only while there are clients
     Clock::time_point deadline(const Client& client) const;
 
     FileDescriptor m_listener;

@@ -4,10 +4,12 @@
 #include "KestroCore/Support/Date.h"
 
 #include <QString>
+#include <cstddef>
 
 namespace kestro {
 
 enum class AgentState { idle, working, needsInput, done };
+inline constexpr std::size_t agentStateCount = 4;
 
 /// What an agent is doing in one of its conversations, as far as its events told.
 struct Session {

@@ -73,29 +73,27 @@ void SessionStore::apply(const AgentEvent& event, Date now)
         sessions.erase(event.sessionID);
         return;
     }
-    Session& session = sessions[event.sessionID];
+    const auto known = sessions.find(event.sessionID);
+    Session session = known == sessions.end() ? Session() : known->second;
     session.id = event.sessionID;
     session.agent = event.agent;
     if (!event.cwd.isEmpty())
-        session.project = lastComponent(event.cwd).left(longestName);
+        session.project = lastComponent(event.cwd).left(mostProjectChars);
     session.state = stateAfter(*effect, session.state);
     session.lastEventAt = now;
-    if (sessions.size() > mostSessions)
-        dropOldest();
-}
-
-void SessionStore::dropOldest()
-{
-    const auto age = [](const auto& entry) { return entry.second.lastEventAt; };
-    sessions.erase(std::ranges::min_element(sessions, {}, age));
+    if (known == sessions.end() && sessions.size() >= mostSessions)
+        sessions.erase(QString(sessions.oldest()->id));
+    sessions.put(session);
 }
 
 void SessionStore::prune(Date now)
 {
-    std::erase_if(sessions, [now](const auto& entry) {
-        const double age = now - entry.second.lastEventAt;
-        return age >= staleAfter || (age >= doneLifetime && entry.second.state == AgentState::done);
-    });
+    for (const AgentState state : { AgentState::idle, AgentState::working, AgentState::needsInput, AgentState::done }) {
+        const double lifetime = state == AgentState::done ? doneLifetime : staleAfter;
+        for (const Session* oldest = sessions.oldest(state); oldest && now - oldest->lastEventAt >= lifetime;
+             oldest = sessions.oldest(state))
+            sessions.erase(QString(oldest->id));
+    }
 }
 
 std::optional<AgentState> SessionStore::state(const QString& id) const
@@ -116,22 +114,12 @@ std::vector<Session> SessionStore::sorted() const
 
 std::optional<AgentState> SessionStore::wingState(Date now) const
 {
-    std::optional<AgentState> shown; // in one pass: it is asked for with every event, however many sessions there are
-    for (const auto& [id, session] : sessions) {
-        if (session.state == AgentState::needsInput)
-            return AgentState::needsInput;
-        if (session.state == AgentState::working)
-            shown = AgentState::working;
-        else if (session.state == AgentState::done && !shown && now - session.lastEventAt < doneWingDuration)
-            shown = AgentState::done;
-    }
-    return shown;
-}
-
-int SessionStore::count(AgentState state) const
-{
-    return static_cast<int>(
-        std::ranges::count_if(sessions, [state](const auto& entry) { return entry.second.state == state; }));
+    if (needsInputCount() > 0)
+        return AgentState::needsInput;
+    if (workingCount() > 0)
+        return AgentState::working;
+    const Session* done = sessions.newest(AgentState::done);
+    return done && now - done->lastEventAt < doneWingDuration ? std::optional(AgentState::done) : std::nullopt;
 }
 
 } // namespace kestro

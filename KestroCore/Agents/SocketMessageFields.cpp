@@ -21,6 +21,16 @@ void reset(const JsonField& field)
     std::visit(Reset{}, field.place);
 }
 
+/// Valid UTF-8 stays valid.
+QString cutText(std::string_view text)
+{
+    const auto continues = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; };
+    std::size_t size = std::min(text.size(), JsonField::mostTextBytes);
+    while (size > 0 && size < text.size() && continues(text[size]))
+        --size;
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(size));
+}
+
 class FieldReader final : public nlohmann::json_sax<nlohmann::json> {
 public:
     explicit FieldReader(const JsonFields& fields)
@@ -40,10 +50,10 @@ public:
     {
         if (inList()) {
             if (m_listLength++ == 0)
-                m_list->text = QString::fromStdString(value);
+                m_list->text = cutText(value);
         } else if (const auto* field = std::exchange(m_wanted, nullptr)) {
             if (const auto* text = std::get_if<std::optional<QString>*>(&field->place))
-                **text = QString::fromStdString(value);
+                **text = cutText(value);
         }
         return m_depth > 0;
     }

@@ -18,8 +18,11 @@ struct JsonField;
 using JsonFields = std::vector<JsonField>;
 
 /// A key that is wanted, and where its value goes: a text, a number, an array of texts or an object's own fields.
-/// A value of another type leaves the place empty. Of a key that comes twice the later one counts.
+/// A text beyond `JsonField::mostTextBytes` is cut; a value of another type leaves the place empty. Of a key that comes
+/// twice the later one counts.
 struct JsonField {
+    static constexpr std::size_t mostTextBytes = 16'384;
+
     std::string_view key;
     std::variant<std::optional<QString>*, std::optional<double>*, FirstText*, JsonFields> place;
 };

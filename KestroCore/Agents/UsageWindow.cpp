@@ -23,10 +23,12 @@ WindowGauge WindowGauge::of(const UsageWindow& window, const QString& label, Dat
 
 QString WindowGauge::remaining(double seconds)
 {
-    // The moment comes from a foreign number, which may be beyond any integer.
-    const auto minutes = static_cast<qint64>(std::clamp(seconds / 60, 1.0, 1e15));
     constexpr qint64 hour = 60;
     constexpr qint64 day = 24 * hour;
+    // The moment comes from a foreign number, which may be beyond any integer. So many days take as much room as
+    // "23h59m", the longest that an honest one comes to.
+    constexpr double most = 99'999.0 * day;
+    const auto minutes = static_cast<qint64>(std::clamp(seconds / 60, 1.0, most));
     if (minutes < hour)
         return QStringLiteral("%1m").arg(minutes);
     if (minutes < day)

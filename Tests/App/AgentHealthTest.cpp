@@ -241,6 +241,53 @@ TEST_F(AgentHealthTest, repairsAndLooksAgain)
     EXPECT_FALSE(health.isRepairable());
 }
 
+TEST_F(AgentHealthTest, tellsWhatIsInTheSocketsPlace)
+{
+    const QString place = home.path() + u"/data/agents.sock"_qs;
+    AgentHealth own(platform.ports(), home.path(), place);
+    const auto result = [&] { return own.rows()[u"claude"_qs].toMap()[u"result"_qs].toString(); };
+    const struct {
+        const char* name;
+        std::function<bool()> put;
+        QString line; ///< empty: nothing is wrong
+    } cases[] = {
+        { "nothing", [] { return true; }, {} },
+        { "a folder", [&] { return QDir().mkpath(place); },
+            u"A folder is in the socket's place: move ~/data/agents.sock away, then press Repair."_qs },
+        { "a file", [&] { return QDir().rmdir(place) && QFile(place).open(QFile::WriteOnly); },
+            u"A file is in the socket's place, ~/data/agents.sock: press Repair."_qs },
+        { "nothing again", [&] { return QFile::remove(place); }, {} },
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.name);
+        platform.log.lines.clear();
+        ASSERT_TRUE(each.put());
+        own.refresh();
+        own.refresh();
+        EXPECT_EQ(result(), each.line);
+        EXPECT_EQ(own.isRepairable(), !each.line.isEmpty());
+        EXPECT_EQ(own.rows()[u"claude"_qs].toMap()[u"failed"_qs].toBool(), !each.line.isEmpty());
+        EXPECT_EQ(platform.log.lines.size(), each.line.isEmpty() ? 0 : 1) << "told once";
+        EXPECT_TRUE(platform.log.lines.isEmpty() || platform.log.lines.first().contains(place));
+    }
+    own.isWanted = [](Agent) { return false; };
+    ASSERT_TRUE(QDir().mkpath(place));
+    own.refresh();
+    EXPECT_EQ(platform.log.lines, QStringList()) << "nobody needs the socket";
+}
+
+TEST_F(AgentHealthTest, aTestTellsWhatIsInTheSocketsPlace)
+{
+    const QString place = home.path() + u"/agents.sock"_qs;
+    AgentHealth own(platform.ports(), home.path(), place);
+    own.test(u"claude"_qs);
+    ASSERT_TRUE(QDir().mkpath(place));
+    platform.commands.answer({ true, 0, {}, {} });
+    platform.commands.answer(failed("nc: unix connect failed: Connection refused\n"));
+    EXPECT_EQ(own.rows()[u"claude"_qs].toMap()[u"result"_qs].toString(),
+        u"A folder is in the socket's place: move ~/agents.sock away, then press Repair."_qs);
+}
+
 TEST_F(AgentHealthTest, goesWhileATestRuns)
 {
     auto brief = std::make_unique<AgentHealth>(platform.ports(), home.path(), u"/s"_qs);

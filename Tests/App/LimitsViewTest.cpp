@@ -40,7 +40,8 @@ TEST_F(LimitsViews, AGaugeIsFilledAndColouredByItsLevel)
         QColor color;
     } rows[] = {
         { "fill: 0", 0, theme.green() },
-        { "fill: 1", 5, theme.green() }, // as wide as its round ends
+        { "fill: 0.44", 0.44, theme.green() }, // narrower than a round end
+        { "fill: 50", 44, theme.green() },
         { "fill: 12.32", 12.32, theme.green() },
         { "fill: 22; level: 'medium'", 22, theme.yellow() },
         { "fill: 44; level: 'high'", 44, theme.red() },
@@ -94,6 +95,34 @@ TEST_F(LimitsViews, RowsAreReadAsOneLineAndStandInColumns)
     EXPECT_GE(places[2].x(), places[1].right() + 8);
     EXPECT_LE(places[2].right(), 424 - 8);
     EXPECT_GT(places[0].x(), 70) << "room for the name, also with the longest figures";
+}
+
+TEST_F(LimitsViews, LongLinesAreCutInTheMiddleAndToldInFull)
+{
+    QQuickItem& list = show(R"(LimitsList { id: list; width: 300
+        errorLines: ["Couldn't write /home/somebody/.claude/settings.json: No space left on device"]
+        property var toldTips: []
+        toolTips: QtObject {
+            function entered(item, text) { list.toldTips.push(text) }
+            function left(item) { }
+        }
+        rows: [{ symbol: "sparkle", name: "Claude", source: "", gauges: [],
+            note: "No data yet · appears after your next Claude Code message" }] })");
+    const QStringList lines{
+        QStringLiteral("Couldn't write /home/somebody/.claude/settings.json: No space left on device"),
+        QStringLiteral("No data yet · appears after your next Claude Code message"),
+    };
+    for (const QString& line : lines) {
+        SCOPED_TRACE(line.toStdString());
+        const QQuickItem* label = named(list, line);
+        ASSERT_TRUE(label);
+        EXPECT_TRUE(label->property("truncated").toBool());
+        EXPECT_EQ(label->property("elide").toInt(), int(Qt::ElideMiddle)) << "the reason stands at the end";
+        const QPointF middle = label->mapToScene(QPointF(label->width() / 2, label->height() / 2));
+        EXPECT_LE(label->mapToItem(&list, QPointF(label->width(), 0)).x(), 300);
+        QTest::mouseMove(&window, middle.toPoint());
+        EXPECT_TRUE(QTest::qWaitFor([&] { return list.property("toldTips").toList().contains(line); }));
+    }
 }
 
 /// A list of the model's own rows: `many` sessions, the first of them the latest.

@@ -88,7 +88,8 @@ TEST(WindowGauge, ShowsPercentLevelAndTime)
         { 80, 86'400, "80% · 1d", 80.0 * 44 / 100, UsageLevel::high },
         { 120, 604'800, "100% · 7d", 44, UsageLevel::high },
         { -4, 119.9, "0% · 1m", 0, UsageLevel::low },
-        { 1e300, 1e300, "100% · 694444444444d", 44, UsageLevel::high },
+        { 5, 400 * 86'400.0, "5% · 400d", 2.2, UsageLevel::low },
+        { 1e300, 1e300, "100% · 99999d", 44, UsageLevel::high },
         { 90, 0, "0% · reset", 0, UsageLevel::low },
         { 90, -1, "0% · reset", 0, UsageLevel::low },
     };

@@ -123,6 +123,45 @@ TEST(Message, ReadsAlikeHoweverItIsSplit)
     }
 }
 
+TEST(Message, RefusesLongIdsAndCutsOtherTexts)
+{
+    const auto parsed = [](const std::string& id, const std::string& text) {
+        return AgentEvent::parse(QByteArray::fromStdString("agent=claude\n{\"session_id\":\"" + id
+            + "\",\"hook_event_name\":\"" + text + "\",\"cwd\":\"" + text + "\"}"));
+    };
+    const auto faces = [](int count) { // two units of UTF-16 each
+        std::string all;
+        for (int i = 0; i < count; ++i)
+            all += "\xf0\x9f\x98\x80";
+        return all;
+    };
+    const struct {
+        const char* name;
+        std::string text;
+        bool isId;
+        qsizetype event, folder;
+    } table[] = {
+        { "as long as an id may be", std::string(256, 'x'), true, 128, 256 },
+        { "one more", std::string(257, 'x'), false, 128, 257 },
+        { "as long in two units each", faces(128), true, 128, 256 },
+        { "one more of them", faces(129), false, 128, 258 },
+        { "a folder", std::string(4096, 'x'), false, 128, 4096 },
+        { "100 KB", std::string(100'000, 'x'), false, 128, 4096 },
+        { "80 KB that are cut within a character", "x" + faces(20'000), false, 127, 4095 },
+    };
+    for (const auto& row : table) {
+        SCOPED_TRACE(row.name);
+        // Cut, two long ids with the same beginning would be one session.
+        EXPECT_EQ(parsed(row.text, "x").has_value(), row.isId);
+        const auto event = parsed("id", row.text);
+        ASSERT_TRUE(event);
+        EXPECT_EQ(event->name.size(), row.event);
+        EXPECT_EQ(event->cwd.size(), row.folder);
+        EXPECT_TRUE(QString::fromUtf8(row.text.c_str()).startsWith(event->cwd));
+        EXPECT_LE(event->cwd.capacity(), 2 * row.folder);
+    }
+}
+
 TEST(MessageFramer, TellsTheEndWithItsLastByte)
 {
     const QByteArray message("agent=claude\n{\"session_id\":\"}\",\"hook_event_name\":\"Stop\",\"x\":{\"y\":[]}}");

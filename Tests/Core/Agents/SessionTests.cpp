@@ -1,5 +1,6 @@
 #include "KestroCore/Agents/SessionStore.h"
 
+#include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
 
@@ -113,27 +114,47 @@ TEST(SessionStore, CountsAndLightsTheWing)
     }
 }
 
-TEST(SessionStore, KeepsTheNewestOfAFlood)
+TEST(SessionStore, KeepsTheNewest)
 {
     SessionStore store;
-    const auto id = [](int number) { return "s" + std::to_string(number); };
-    for (int i = 0; i < 20'000; ++i) {
-        store.apply(event("PostToolUse", id(i).c_str()), start + i);
-        if (i % 100 == 0)
-            store.apply(event("PostToolUse", "old but alive"), start + i);
+    const auto id = [](std::size_t number) { return std::to_string(number); };
+    const std::size_t most = SessionStore::mostSessions;
+    for (std::size_t i = 0; i < most; ++i)
+        store.apply(event(i == 1 ? "PermissionRequest" : "PostToolUse", id(i).c_str()), start + double(i));
+    store.apply(event("PostToolUse", "0"), start + double(most)); // is the newest now
+    EXPECT_EQ(store.sessions.size(), most);
+    store.apply(event("Stop", "earlier"), start + -9); // the clock was set back
+    EXPECT_EQ(store.sessions.size(), most);
+    EXPECT_FALSE(store.sessions.contains(QStringLiteral("1"))) << "the oldest";
+    EXPECT_EQ(store.wingState(start), AgentState::working) << "and what it was waiting for";
+    EXPECT_EQ(store.sorted().front().id, QStringLiteral("0"));
+    EXPECT_EQ(store.sorted().back().id, QStringLiteral("earlier"));
+    store.apply(event("Stop", "later"), start + 5000);
+    EXPECT_FALSE(store.sessions.contains(QStringLiteral("earlier")));
+}
+
+TEST(SessionStore, CountsAsAWalkWould)
+{
+    const char* const events[] = { "SessionStart", "PostToolUse", "PermissionRequest", "Stop", "Interrupt",
+        "SessionEnd" };
+    SessionStore store;
+    unsigned chance = 1;
+    for (int step = 0; step < 3000; ++step) {
+        chance = chance * 1'664'525 + 1'013'904'223;
+        const Date now = start + step;
+        store.apply(event(events[(chance >> 16) % 6], std::to_string((chance >> 24) % 40).c_str()), now);
+        if (step % 500 == 499)
+            store.prune(now + double(chance % 2000));
+        const std::vector<Session> all = store.sorted();
+        const auto count = [&](S state) { return std::ranges::count(all, state, &Session::state); };
+        ASSERT_EQ(store.workingCount(), count(S::working));
+        ASSERT_EQ(store.needsInputCount(), count(S::needsInput));
+        ASSERT_EQ(store.wingState(now) == S::done,
+            count(S::working) + count(S::needsInput) == 0 && std::ranges::any_of(all, [&](const Session& each) {
+                return each.state == S::done && now - each.lastEventAt < 4;
+            }));
+        ASSERT_TRUE(std::ranges::is_sorted(all, std::ranges::greater(), &Session::lastEventAt));
     }
-    EXPECT_EQ(store.sessions.size(), SessionStore::mostSessions);
-    for (const auto& [name, kept] : { std::pair(id(19'999), true), { "old but alive", true }, { id(18'000), false } })
-        EXPECT_EQ(store.state(QString::fromStdString(name)).has_value(), kept) << name;
-    const std::string longName(4'000'000, 'x');
-    const auto parsed =
-        AgentEvent::parse(QByteArray::fromStdString("agent=claude\n{\"hook_event_name\":\"Stop\",\"session_id\":\""
-            + longName + "\",\"cwd\":\"/" + longName + "\"}"));
-    ASSERT_TRUE(parsed);
-    store.apply(*parsed, start + 30'000);
-    const Session session = store.sorted().front();
-    EXPECT_EQ(session.id.size(), AgentEvent::longestId);
-    EXPECT_EQ(session.project.size(), SessionStore::longestName);
 }
 
 TEST(SessionStore, SortsTheNewestFirstAndEqualsById)

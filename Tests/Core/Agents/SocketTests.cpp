@@ -112,13 +112,20 @@ double processorSeconds()
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
 }
 
+mode_t modeOf(const QString& path)
+{
+    struct stat status { };
+    EXPECT_EQ(::stat(path.toUtf8().constData(), &status), 0);
+    return status.st_mode & 07777;
+}
+
 class Socket : public testing::Test {
 protected:
     /// Time limits that no test reaches by chance.
     static AgentSocketLimits patient()
     {
         AgentSocketLimits limits;
-        limits.silence = limits.connection = limits.patience = 60s;
+        limits.silence = limits.connection = limits.grace = 60s;
         return limits;
     }
 
@@ -181,58 +188,56 @@ TEST_F(Socket, DropsWhatIsNoMessage)
     EXPECT_EQ(inbox.waitFor(1), Ids{ "good" });
 }
 
-TEST_F(Socket, ReadsUpToTheLastByteOfItsLimit)
+/// The kernel answers a read of no bytes as it answers the end of a stream.
+TEST_F(Socket, ReadsUpToItsSizeWhereTheSenderCloses)
 {
-    AgentSocketLimits limits = patient();
-    limits.messageBytes = 2 * 65'536; // whole reads fill it
-    const auto socket = started(limits);
-    const qsizetype shortest = message("a").size();
-    const struct {
-        const char* name;
-        qsizetype bytes, blanks;
-        bool comes;
-    } table[]{
-        { "one below", limits.messageBytes - 1, 0, true },
-        { "at the limit", limits.messageBytes, 0, true },
-        { "one above", limits.messageBytes + 1, 0, false },
-        { "blanks up to the limit", limits.messageBytes - 10, 10, true },
-        { "blanks beyond it", limits.messageBytes - 10, 100'000, true },
-        { "blanks alone beyond it", shortest, 200'000, true },
-    };
-    Ids expected;
-    for (const auto& each : table) {
-        for (const bool ends : { true, false }) {
-            SCOPED_TRACE(std::string(each.name) + (ends ? ", closed at once" : ", left open"));
-            SocketClient client(path);
-            client.send(message("a", each.bytes - shortest) + QByteArray(each.blanks, ' '));
-            if (ends)
-                client.endStream();
-            EXPECT_TRUE(client.isClosed());
-            if (each.comes)
-                expected.emplace_back("a");
+    constexpr qsizetype chunk = 65'536; // read at once
+    const auto ofSize = [](qsizetype bytes) { return message("a", bytes - message("a").size()); };
+    for (const qsizetype limit : { chunk, 2 * chunk, 2 * chunk + 1, qsizetype(100'000) }) {
+        AgentSocketLimits limits = patient();
+        limits.messageBytes = limit;
+        struct Case {
+            const char* name;
+            QByteArray bytes;
+            size_t messages;
+        };
+        const Case table[] = {
+            { "limit - 1", ofSize(limit - 1), 1 },
+            { "limit", ofSize(limit), 1 },
+            { "limit + 1", ofSize(limit + 1), 0 },
+            { "blanks to limit - 1", ofSize(limit - 10).append(9, ' '), 1 },
+            { "blanks to the limit", ofSize(limit - 10).append(10, ' '), 1 },
+            { "blanks past the limit", ofSize(limit - 10).append(11, ' '), 1 },
+            { "blanks far past the limit", ofSize(limit - 10).append(3 * chunk, ' '), 1 },
+            { "cut behind the object", ofSize(limit).append("{}"), 1 },
+            { "a chunk less one", ofSize(chunk - 1), 1 },
+            { "a chunk of blanks behind a chunk", ofSize(chunk - 1).append(chunk + 1, '\n'), 1 },
+        };
+        for (const auto& [name, bytes, messages] : table) {
+            for (const int how : { 0, 1, 2, 3 }) {
+                const bool staysOpen = how % 2 != 0;
+                const qsizetype piece = how < 2 ? bytes.size() : 10'000;
+                SCOPED_TRACE(testing::Message() << name << " of " << limit << ", " << how);
+                Inbox received;
+                const QString at = folder.filePath(QStringLiteral("limited.sock"));
+                AgentSocket socket(at, received.receiver(), limits);
+                socket.start();
+                std::optional<SocketClient> client(std::in_place, at);
+                for (QByteArrayView rest = bytes; !rest.isEmpty(); rest = rest.sliced(std::min(piece, rest.size())))
+                    client->send(rest.first(std::min(piece, rest.size())));
+                if (!staysOpen)
+                    client.reset();
+                SocketClient next(at);
+                next.send(message("next"));
+                ASSERT_TRUE(next.isClosed());
+                Ids expected(messages, "a");
+                expected.emplace_back("next");
+                Ids came = received.waitFor(expected.size());
+                std::ranges::sort(came); // a short message may overtake a long one
+                EXPECT_EQ(came, expected);
+            }
         }
     }
-    SocketClient(path).send(message("good"));
-    expected.emplace_back("good");
-    EXPECT_EQ(inbox.waitFor(expected.size()), expected) << "and the reader goes on";
-}
-
-TEST_F(Socket, LetsTheSlowMakeWay)
-{
-    AgentSocketLimits limits = patient();
-    limits.clients = 2;
-    limits.patience = 20ms;
-    const auto socket = started(limits);
-    std::list<SocketClient> slow;
-    for (int i = 0; i < 3; ++i)
-        slow.emplace_back(path).send(message("slow").first(20));
-    for (const char* id : { "a", "b" }) {
-        SocketClient hook(path);
-        hook.send(message(id));
-        EXPECT_TRUE(hook.isClosed()) << "long before the slow have had their whole time";
-    }
-    EXPECT_EQ(inbox.waitFor(2), (Ids{ "a", "b" }));
-    EXPECT_TRUE(slow.front().isClosed());
 }
 
 TEST_F(Socket, DropsTheSlow)
@@ -270,6 +275,51 @@ TEST_F(Socket, LetsTheOthersWaitWhenFull)
         first.send(text.last(1));
         EXPECT_EQ(received.waitFor(2), (Ids{ "first", "second" }));
     }
+}
+
+TEST_F(Socket, GivesThePlaceOfTheSlowestToWhoWaits)
+{
+    AgentSocketLimits full = patient();
+    full.grace = 50ms;
+    AgentSocketLimits fewPlaces = full;
+    fewPlaces.clients = 2;
+    for (const AgentSocketLimits& limits : { full, fewPlaces }) {
+        SCOPED_TRACE(limits.clients);
+        Inbox received;
+        AgentSocket socket(path, received.receiver(), limits);
+        socket.start();
+        std::list<SocketClient> slow;
+        for (size_t i = 1; i < limits.clients; ++i)
+            slow.emplace_back(path).send(message("slow").first(20));
+        SocketClient busy(path);
+        busy.send(message("busy").chopped(1));
+        SocketClient waits(path);
+        waits.send(message("waits"));
+        EXPECT_TRUE(waits.isClosed());
+        EXPECT_TRUE(slow.front().isClosed());
+        EXPECT_FALSE(busy.isClosedWithin(0ms));
+        busy.send(message("busy").last(1));
+        EXPECT_EQ(received.waitFor(2), (Ids{ "waits", "busy" }));
+    }
+}
+
+TEST_F(Socket, GivesThePlaceOfTheLargestWhereMemoryIsShort)
+{
+    AgentSocketLimits limits = patient();
+    limits.grace = 50ms;
+    limits.messageBytes = 512 << 10;
+    limits.heldBytes = limits.messageBytes + (128 << 10);
+    const auto socket = started(limits);
+    SocketClient small(path);
+    small.send(message("small").chopped(1));
+    SocketClient large(path);
+    large.send(message("large", 100 << 10).chopped(1)); // all that there is room for
+    SocketClient waits(path);
+    waits.send(message("waits"));
+    EXPECT_TRUE(waits.isClosed());
+    EXPECT_TRUE(large.isClosed());
+    small.send(message("small").last(1));
+    EXPECT_EQ(inbox.waitFor(2), (Ids{ "waits", "small" }));
 }
 
 TEST_F(Socket, ReadsEveryoneThoughTheyHaveMoreThanItHolds)
@@ -401,9 +451,25 @@ TEST_F(Socket, TellsWhyItCannotStart)
         socket.stop();
         EXPECT_EQ(openDescriptors(), before);
     }
-    struct stat status { };
-    ASSERT_EQ(::stat(QFileInfo(deep).path().toUtf8().constData(), &status), 0);
-    EXPECT_EQ(status.st_mode & 0777, 0700u);
+    EXPECT_EQ(modeOf(QFileInfo(deep).path()), 0700U);
+}
+
+TEST_F(Socket, ClosesItsFolderToOthers)
+{
+    const QString outer = folder.filePath(QStringLiteral("outer"));
+    const QString inner = outer + QStringLiteral("/inner");
+    ASSERT_TRUE(QDir().mkpath(inner));
+    ASSERT_EQ(::chmod(outer.toUtf8().constData(), 0755), 0);
+    const std::pair<mode_t, mode_t> table[]{ { 0777, 0700 }, { 0755, 0700 }, { 0710, 0700 }, { 01701, 0700 },
+        { 0700, 0700 } };
+    for (const auto& [before, after] : table) {
+        SCOPED_TRACE(before);
+        ASSERT_EQ(::chmod(inner.toUtf8().constData(), before), 0);
+        AgentSocket socket(inner + QStringLiteral("/agents.sock"), inbox.receiver());
+        socket.start();
+        EXPECT_EQ(modeOf(inner), after);
+        EXPECT_EQ(modeOf(outer), 0755U) << "not ours";
+    }
 }
 
 } // namespace
