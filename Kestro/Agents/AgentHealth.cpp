@@ -96,11 +96,10 @@ void AgentHealth::lookAtSocket()
     const QFileInfo place(m_socket);
     const QString shown = QString(m_socket).replace(m_home, QStringLiteral("~"));
     QString obstacle;
-    if (!std::ranges::any_of(allAgents, isWanted))
-        obstacle.clear();
-    else if (place.isDir())
+    const bool needed = std::ranges::any_of(allAgents, isWanted);
+    if (needed && place.isDir())
         obstacle = QStringLiteral("A folder is in the socket's place: move %1 away, then press Repair.").arg(shown);
-    else if (place.isFile())
+    else if (needed && place.isFile())
         obstacle = QStringLiteral("A file is in the socket's place, %1: press Repair.").arg(shown);
     if (std::exchange(m_obstacle, obstacle) != obstacle && !obstacle.isEmpty())
         m_platform.log.write(QStringLiteral("Kestro: no agent can be heard: %1 is a %2, not a socket")
