@@ -76,6 +76,8 @@ void AgentsFeature::syncSocket()
         failure = m_intake.open();
     else
         m_intake.close();
+    if (!failure.isEmpty())
+        m_health.refresh(); // which says what is in the way
     m_agents.setSocketError(failure);
     m_limits.setSocketFailed(!failure.isEmpty());
 }
