@@ -8,6 +8,7 @@ build_packages=(
     libcurl4-openssl-dev
     libxcb1-dev libxcb-xfixes0-dev libxcb-shape0-dev libxcb-xinput-dev libxcb-randr0-dev libxcb-ewmh-dev
     libxcb-icccm4-dev libxcb-screensaver0-dev libxcb-dpms0-dev libxcb-xkb-dev
+    libxcb-res0-dev libxcb-xtest0-dev
     # Glyphs and letters.
     bootstrap-icons fonts-inter
     # QtQuick imports QtQml, which imports the other two: a view fails to load without any one of them.
@@ -28,8 +29,8 @@ viewer_packages=(x11vnc)
 test_packages=(
     "${desktop_packages[@]}"
     xfwm4 at-spi2-core gir1.2-atspi-2.0 python3-gi python3-xlib python3-dbus python3-dbusmock
-    xdotool strace busybox tmux xterm rxvt-unicode x11-xserver-utils x11-xkb-utils openssl
-    libgtest-dev libgmock-dev libxcb-xtest0-dev libxcb-damage0-dev
+    xdotool xclip strace busybox tmux xterm rxvt-unicode x11-xserver-utils x11-xkb-utils openssl
+    libgtest-dev libgmock-dev libxcb-damage0-dev
     clang-16 clang-tidy-16 clang-format-16 libclang-rt-16-dev shellcheck
 )
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Kestro/Agents/AgentsFeature.h"
+#include "Kestro/Clipboard/ClipboardFeature.h"
 #include "Kestro/Layout/LauncherModel.h"
 #include "Kestro/Notes/NotesFeature.h"
 #include "Kestro/Platform/Folders.h"
@@ -101,6 +102,7 @@ private:
     AgentsFeature m_agents{ m_host, m_platform, m_folders };
     TimerFeature m_timer{ m_host, m_launcher, { m_platform.loop, m_platform.preferences, m_platform.session } };
     NotesFeature m_notes{ m_host, m_launcher, m_platform.loop, m_platform.log, NotesStorage::under(m_folders.home) };
+    ClipboardFeature m_clipboard{ m_host, m_platform, m_folders };
 };
 
 } // namespace kestro

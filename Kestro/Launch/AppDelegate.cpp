@@ -6,6 +6,7 @@
 #include "Kestro/Platform/Screens.h"
 #include "Kestro/Platform/StatusItem.h"
 #include "Kestro/Platform/Workspace.h"
+#include "Kestro/Style/HostingView.h"
 #include "Kestro/Style/MenuBarIcon.h"
 #include "Kestro/Surfaces/ItemMenu.h"
 #include "KestroCore/Support/Geometry.h"
@@ -51,6 +52,9 @@ AppDelegate::AppDelegate(const Platform& platform, const Folders& folders)
     connect(&platform.panels, &Panels::compositedChanged, this,
         [this] { m_theme.setComposited(m_platform.panels.isComposited()); });
     m_theme.install(m_engine);
+    m_model.host().fill = [this](QQuickWindow& window, const QString& view, const QVariantMap& properties) {
+        return std::make_shared<HostingView>(window, m_engine, view, properties);
+    };
     m_model.host().openSettings = [this] { showSettings(); };
     m_model.host().openWindow = [this](WidgetKind kind) { showWindow(kind); };
     connect(&platform.statusItem, &StatusItem::activated, this, &AppDelegate::showSettings);

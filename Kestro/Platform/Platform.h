@@ -7,11 +7,13 @@ class CommandRunner;
 class DesktopWindows;
 class Fetcher;
 class HotKeys;
+class KeyPoster;
 class KeyboardGrabs;
 class Log;
 class LoginItem;
 class MainLoop;
 class Panels;
+class Pasteboard;
 class PeerInspector;
 class Pointer;
 class PreferenceStore;
@@ -40,6 +42,8 @@ struct Platform {
     PeerInspector& peers;
     DesktopWindows& windows;
     CommandRunner& commands;
+    Pasteboard& pasteboard;
+    KeyPoster& keyPoster;
     Log& log;
 };
 

@@ -33,6 +33,7 @@ inline constexpr QLatin1StringView command("command");
 inline constexpr QLatin1StringView cpuFill("cpu.fill");
 inline constexpr QLatin1StringView cursorArrowRays("cursorarrow.rays");
 inline constexpr QLatin1StringView docOnClipboard("doc.on.clipboard");
+inline constexpr QLatin1StringView docOnDoc("doc.on.doc");
 inline constexpr QLatin1StringView dockRectangle("dock.rectangle");
 inline constexpr QLatin1StringView exclamationMarkCircleFill("exclamationmark.circle.fill");
 inline constexpr QLatin1StringView eyedropper("eyedropper");
@@ -42,17 +43,23 @@ inline constexpr QLatin1StringView globe("globe");
 inline constexpr QLatin1StringView headphones("headphones");
 inline constexpr QLatin1StringView internalDrive("internaldrive");
 inline constexpr QLatin1StringView keyboard("keyboard");
+inline constexpr QLatin1StringView link("link");
 inline constexpr QLatin1StringView magnifyingGlass("magnifyingglass");
 inline constexpr QLatin1StringView lineHorizontal3("line.3.horizontal");
 inline constexpr QLatin1StringView memoryChip("memorychip");
 inline constexpr QLatin1StringView musicNote("music.note");
 inline constexpr QLatin1StringView noteText("note.text");
 inline constexpr QLatin1StringView paintPalette("paintpalette");
+inline constexpr QLatin1StringView photo("photo");
+inline constexpr QLatin1StringView pin("pin");
+inline constexpr QLatin1StringView pinFill("pin.fill");
 inline constexpr QLatin1StringView rectangleSplit2x2("rectangle.split.2x2");
 inline constexpr QLatin1StringView sparkle("sparkle");
 inline constexpr QLatin1StringView sunMax("sun.max");
+inline constexpr QLatin1StringView textAlignLeft("text.alignleft");
 inline constexpr QLatin1StringView thermometerMedium("thermometer.medium");
 inline constexpr QLatin1StringView timer("timer");
+inline constexpr QLatin1StringView trash("trash");
 inline constexpr QLatin1StringView trayFull("tray.full");
 inline constexpr QLatin1StringView webCamera("web.camera");
 inline constexpr QLatin1StringView xmark("xmark");
@@ -98,6 +105,10 @@ class Symbols : public QObject {
     Q_PROPERTY(QString globe MEMBER globe CONSTANT FINAL)
     Q_PROPERTY(QString magnifyingGlass MEMBER magnifyingGlass CONSTANT FINAL)
     Q_PROPERTY(QString memoryChip MEMBER memoryChip CONSTANT FINAL)
+    Q_PROPERTY(QString docOnClipboard MEMBER docOnClipboard CONSTANT FINAL)
+    Q_PROPERTY(QString pin MEMBER pin CONSTANT FINAL)
+    Q_PROPERTY(QString pinFill MEMBER pinFill CONSTANT FINAL)
+    Q_PROPERTY(QString trash MEMBER trash CONSTANT FINAL)
     Q_PROPERTY(QString sparkle MEMBER sparkle CONSTANT FINAL)
     Q_PROPERTY(QString xmark MEMBER xmark CONSTANT FINAL)
     Q_PROPERTY(QString xmarkCircleFill MEMBER xmarkCircleFill CONSTANT FINAL)
@@ -122,6 +133,10 @@ private:
     const QString globe = symbols::globe;
     const QString magnifyingGlass = symbols::magnifyingGlass;
     const QString memoryChip = symbols::memoryChip;
+    const QString docOnClipboard = symbols::docOnClipboard;
+    const QString pin = symbols::pin;
+    const QString pinFill = symbols::pinFill;
+    const QString trash = symbols::trash;
     const QString sparkle = symbols::sparkle;
     const QString xmark = symbols::xmark;
     const QString xmarkCircleFill = symbols::xmarkCircleFill;

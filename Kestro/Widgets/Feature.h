@@ -5,8 +5,12 @@
 #include "Kestro/Widgets/SurfaceState.h"
 
 #include <QList>
+#include <QVariantMap>
 #include <functional>
+#include <memory>
 #include <vector>
+
+class QQuickWindow;
 
 namespace kestro {
 
@@ -29,6 +33,9 @@ struct FeatureHost {
     std::function<void(WidgetKind)> showCard = [](WidgetKind) {};
     /// Open the window of a widget that has one, or bring it to the front.
     std::function<void(WidgetKind)> openWindow = [](WidgetKind) {};
+    /// Fill a window of a feature's own with a view, by folder and name; what is returned lives as long as the window.
+    std::function<std::shared_ptr<void>(QQuickWindow&, const QString& view, const QVariantMap& properties)> fill =
+        [](QQuickWindow&, const QString&, const QVariantMap&) { return nullptr; };
     /// Bring the Settings window to the front.
     std::function<void()> openSettings = [] {};
 };

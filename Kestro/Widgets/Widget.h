@@ -65,6 +65,8 @@ public:
 
     virtual std::optional<WidgetWindow> window() const { return std::nullopt; }
     bool hasWindow() const { return window().has_value(); }
+    /// Opens what the widget has in place of a card and a window; false where it has no such thing.
+    virtual bool open() { return false; }
     /// The window opens; what is returned lives as long as it is open.
     virtual std::shared_ptr<void> windowOpened() { return nullptr; }
 

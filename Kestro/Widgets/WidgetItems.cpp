@@ -177,9 +177,11 @@ void WidgetItems::switchTurned(const QString& key)
 void WidgetItems::open(const LaunchItem& item, void (WidgetItems::*card)(WidgetKind))
 {
     const auto kind = item.widget();
-    const Widget* const widget = find(kind);
+    Widget* const widget = find(kind);
     if (!kind)
         m_launcher.open(item);
+    else if (widget && widget->open())
+        return;
     else if (widget && widget->hasWindow())
         m_host.openWindow(*kind);
     else

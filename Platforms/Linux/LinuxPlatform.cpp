@@ -36,6 +36,8 @@ LinuxPlatform::LinuxPlatform(const QString& home, Buses& buses, Log& log)
     , m_tray(buses.session(), m_trayWindow, [this](QPoint pixel) { return m_screens.fromDevice(pixel); })
     , m_autostart(home, qEnvironmentVariable("XDG_CONFIG_HOME"), QCoreApplication::applicationFilePath())
     , m_windows(m_connection)
+    , m_pasteboard(m_loop)
+    , m_keyPoster(m_connection)
 {
     followSession();
     followBuses(buses);
@@ -75,7 +77,8 @@ void LinuxPlatform::followBuses(Buses& buses)
 Platform LinuxPlatform::ports()
 {
     return { m_loop, m_preferences, m_screens, m_pointer, m_panels, m_appearance, m_session, m_workspace, m_fetcher,
-        m_counters, m_hotKeys, m_keyboard, m_tray, m_autostart, m_peers, m_windows, m_commands, m_log };
+        m_counters, m_hotKeys, m_keyboard, m_tray, m_autostart, m_peers, m_windows, m_commands, m_pasteboard,
+        m_keyPoster, m_log };
 }
 
 } // namespace kestro

@@ -21,6 +21,8 @@
 #include "Platforms/Linux/X11/X11HotKeys.h"
 #include "Platforms/Linux/X11/X11KeyboardGrabs.h"
 #include "Platforms/Linux/X11/X11Panels.h"
+#include "Platforms/Linux/X11/X11Pasteboard.h"
+#include "Platforms/Linux/X11/X11PasteboardKeys.h"
 #include "Platforms/Linux/X11/X11Pointer.h"
 #include "Platforms/Linux/X11/X11ScreenSaver.h"
 #include "Platforms/Linux/X11/X11Screens.h"
@@ -74,6 +76,8 @@ private:
     ProcPeerInspector m_peers;
     X11Windows m_windows;
     ProcessRunner m_commands;
+    X11Pasteboard m_pasteboard;
+    X11PasteboardKeys m_keyPoster;
 };
 
 } // namespace kestro

@@ -50,7 +50,7 @@ class Test(DesktopTest):
     def test_a_second_start_opens_it_and_every_pane_is_there(self):
         self.start()
         wait_for(self.is_active, 3, "it has the keyboard")
-        self.assertEqual(["General", "Appearance", "Layout", "Agents", "Shortcuts"],
+        self.assertEqual(["General", "Appearance", "Layout", "Agents", "Clipboard", "Shortcuts"],
                          [tab.name for tab in self.tree.find_all("page tab")])
         for tab in self.tree.find_all("page tab"):
             tab.press()
@@ -190,7 +190,7 @@ class Test(DesktopTest):
             self.keys.type(letter)
         self.tree.wait("heading", "Agents")
         self.keys.type("Escape")
-        wait_for(lambda: len(self.tree.find_all("page tab")) == 5, 3, "Escape empties the search first")
+        wait_for(lambda: len(self.tree.find_all("page tab")) == 6, 3, "Escape empties the search first")
         self.keys.type("ctrl+q")
         self.assertEqual(0, self.kestro.wait_end())
 

@@ -11,6 +11,7 @@
 #include "Tests/Support/FakeLoginItem.h"
 #include "Tests/Support/FakeLoop.h"
 #include "Tests/Support/FakePanels.h"
+#include "Tests/Support/FakePasteboard.h"
 #include "Tests/Support/FakePeers.h"
 #include "Tests/Support/FakePointer.h"
 #include "Tests/Support/FakePreferences.h"
@@ -42,12 +43,14 @@ struct FakePlatform {
     FakePeers peers;
     FakeWindows windows;
     FakeCommands commands;
+    FakePasteboard pasteboard;
+    FakeKeyPoster keyPoster;
     RecordingLog log;
 
     Platform ports()
     {
         return { loop, preferences, screens, pointer, panels, appearance, session, workspace, fetcher, counters,
-            hotKeys, keyboard, statusItem, loginItem, peers, windows, commands, log };
+            hotKeys, keyboard, statusItem, loginItem, peers, windows, commands, pasteboard, keyPoster, log };
     }
 };
 
