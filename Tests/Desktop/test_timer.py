@@ -62,7 +62,7 @@ class Test(DesktopTest):
         self.start(timerState=data({"phase": {"running": {"until": time.time() - EPOCH + 4}}, "duration": 60}))
         self.tile_says("2s left")
         self.tile_says("")
-        self.assertEqual({"phase": {"idle": {}}, "duration": 60}, stored())
+        wait_for(lambda: stored() == {"phase": {"idle": {}}, "duration": 60})
 
 
 if __name__ == "__main__":
