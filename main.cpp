@@ -45,6 +45,7 @@ int main(int, char** argv)
     }
     if (!qEnvironmentVariableIsSet("QT_QUICK_BACKEND"))
         QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+    LinuxPlatform::tuneDrawing();
     Buses buses;
     // Panels are X11 windows; a Wayland session runs them through XWayland. An argument, since the programs that the
     // dock starts would inherit a variable.

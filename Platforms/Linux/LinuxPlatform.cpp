@@ -18,6 +18,15 @@ const char* LinuxPlatform::obstacle()
         : "Kestro: no X11 display can be opened; start it in a desktop session, or with ./run, which brings its own.\n";
 }
 
+void LinuxPlatform::tuneDrawing()
+{
+    // A changed part of a strip or card is small. With shared memory Qt would ask the server before each frame whether
+    // it has read the one before, which costs three wake-ups a frame, and a longer way than the socket's.
+    qputenv("QT_XCB_NO_MITSHM", "1");
+    // Qt would wait 5 ms for further changes. Those of one turn of the loop are in one frame without that.
+    qputenv("QT_QPA_UPDATE_IDLE_TIME", "0");
+}
+
 LinuxPlatform::LinuxPlatform(const QString& home, Buses& buses, Log& log)
     : m_log(log)
     , m_preferences(home + QStringLiteral("/Library/Preferences/com.lumbra.ombrel.json"), log)

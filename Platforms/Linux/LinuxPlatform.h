@@ -38,6 +38,9 @@ public:
     /// Why the program cannot run here, in a sentence for the terminal; nothing where it can. Asked before there is an
     /// application object.
     static const char* obstacle();
+    /// Tells Qt how to bring frames to the screen; before there is an application object. By environment variables,
+    /// since Qt reads nothing else; the programs that the dock starts do not inherit them.
+    static void tuneDrawing();
 
     /// `buses` and `log` outlive this. From here on the process ends in time, whatever hangs.
     LinuxPlatform(const QString& home, Buses& buses, Log& log);

@@ -70,8 +70,9 @@ GioPointer<GFile> localFile(const QString& path)
 GioPointer<GAppLaunchContext> launchContext()
 {
     GioPointer<GAppLaunchContext> context(g_app_launch_context_new());
-    // They tell who started *us*, and when.
-    for (const char* const name : { "DESKTOP_STARTUP_ID", "XDG_ACTIVATION_TOKEN" })
+    // The first two tell how this process was started, the others how it draws.
+    for (const char* const name :
+        { "DESKTOP_STARTUP_ID", "XDG_ACTIVATION_TOKEN", "QT_XCB_NO_MITSHM", "QT_QPA_UPDATE_IDLE_TIME" })
         g_app_launch_context_unsetenv(context.get(), name);
     return context;
 }
