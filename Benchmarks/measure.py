@@ -4,8 +4,7 @@
     KESTRO=build/benchmark/kestro Tests/Desktop/desk /usr/bin/python3 Benchmarks/measure.py NAME...
 
 names: startup (needs BARE, the bare window's program, and COMP=0), memory, idle, pointer, socket, magnify, shortcut,
-settings, shortcuts_idle, events, status_line,
-blocked, kill"""
+settings, shortcuts_idle, events, working, sessions, status_line, blocked, kill"""
 
 import base64
 import ctypes
@@ -273,6 +272,39 @@ def measure_events():
             due += 1 / 100
             pause(max(0, due - time.perf_counter()))
         usage.report("100 events a second over 500 sessions")
+
+
+def measure_working():
+    """Four sessions at work and the card closed: what the badge's motion costs."""
+    with Kestro(AGENTS) as kestro:
+        Pointer().move(600, 200)
+        wait_for(SOCKET.exists)
+        for session in range(4):
+            send("UserPromptSubmit", f"s-{session}")
+        pause(3)
+        usage = Usage(kestro.pid)
+        pause(20)
+        usage.report("four sessions at work, card closed")
+
+
+def measure_sessions():
+    """20,000 sessions: what they keep, and how long the accessibility tree takes to answer right afterwards."""
+    with Kestro(AGENTS) as kestro:
+        wait_for(SOCKET.exists)
+
+        def asked():
+            start = time.perf_counter()
+            kestro.tree.find("button", "AI")
+            return (time.perf_counter() - start) * 1000
+
+        before, memory = asked(), memory_of(kestro.pid)[0]
+        start = time.perf_counter()
+        for session in range(20_000):
+            send("UserPromptSubmit", f"s-{session}")
+        sent = time.perf_counter() - start
+        print(f"accessibility tree: {before:.0f} ms before, {asked():.0f} ms after 20,000 sessions (sent in {sent:.1f} s)")
+        pause(5)
+        print(f"memory: {memory_of(kestro.pid)[0] - memory:+.1f} MB (PSS)")
 
 
 def measure_status_line():
