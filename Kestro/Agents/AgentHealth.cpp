@@ -2,6 +2,7 @@
 
 #include "Kestro/Platform/CommandRunner.h"
 #include "Kestro/Platform/Log.h"
+#include "Kestro/Platform/Platform.h"
 #include "KestroCore/Agents/CodexLimitsReader.h"
 #include "KestroCore/Agents/ConfigFile.h"
 #include "KestroCore/Agents/HookInstaller.h"
@@ -50,7 +51,9 @@ QString stateText(HookState state)
 } // namespace
 
 AgentHealth::AgentHealth(const Platform& platform, QString home, QString socket)
-    : m_platform(platform)
+    : m_loop(platform.loop)
+    , m_commands(platform.commands)
+    , m_log(platform.log)
     , m_home(std::move(home))
     , m_socket(std::move(socket))
     , m_since(platform.loop.now())
@@ -59,7 +62,7 @@ AgentHealth::AgentHealth(const Platform& platform, QString home, QString socket)
 
 QString AgentHealth::file(Agent agent) const { return HookInstaller::configURL(agent, m_home); }
 
-void AgentHealth::heard(const AgentEvent& event, Date now)
+void AgentHealth::handleEvent(const AgentEvent& event, Date now)
 {
     if (event.name != QLatin1String(HookHealth::testEvent)) {
         state(event.agent).lastHeard = now;
@@ -102,8 +105,8 @@ void AgentHealth::lookAtSocket()
     else if (needed && place.isFile())
         obstacle = QStringLiteral("A file is in the socket's place, %1: press Repair.").arg(shown);
     if (std::exchange(m_obstacle, obstacle) != obstacle && !obstacle.isEmpty())
-        m_platform.log.write(QStringLiteral("Kestro: no agent can be heard: %1 is a %2, not a socket")
-                                 .arg(m_socket, place.isDir() ? QStringLiteral("folder") : QStringLiteral("file")));
+        m_log.write(QStringLiteral("Kestro: no agent can be heard: %1 is a %2, not a socket")
+                        .arg(m_socket, place.isDir() ? QStringLiteral("folder") : QStringLiteral("file")));
 }
 
 void AgentHealth::test(const QString& agent)
@@ -120,7 +123,7 @@ void AgentHealth::start(Agent agent)
 {
     const auto& [hookState, command] = state(agent).hooks;
     const QString id = QUuid::createUuid().toString(QUuid::WithoutBraces);
-    Test& test = state(agent).test.emplace(id, m_platform.loop.now());
+    Test& test = state(agent).test.emplace(id, m_loop.now());
     if (!command) {
         finish(agent, hookState == HookState::unreadable ? TestResult::unreadable : TestResult::notInstalled);
         return;
@@ -131,29 +134,28 @@ void AgentHealth::start(Agent agent)
         if (health)
             health->examine(agent, id);
     };
-    test.limit = m_platform.loop.after(patience, noAnswer);
-    m_platform.commands.run({ QStringLiteral("sh"), QStringLiteral("-c"), *command },
-        HookHealth::testInput(agent, id, m_home), patience, [noAnswer](const CommandResult&) { noAnswer(); });
+    test.limit = m_loop.after(patience, noAnswer);
+    m_commands.run({ QStringLiteral("sh"), QStringLiteral("-c"), *command }, HookHealth::testInput(agent, id, m_home),
+        patience, [noAnswer](const CommandResult&) { noAnswer(); });
 }
 
 void AgentHealth::seekNewestLog(const QString& id)
 {
     state(Agent::codex).test->logsAwaited = true;
-    m_queue.async(
-        [&loop = m_platform.loop, health = QPointer(this), id, folder = CodexLimitsReader::sessionsDir(m_home)] {
-            std::optional<Date> newest;
-            for (const QByteArray& log : CodexLimitsReader::newestLogs(folder, 1))
-                newest = changedAt(QFile::decodeName(log));
-            loop.post([health, id, newest] {
-                Test* test = health ? health->running(Agent::codex, id) : nullptr;
-                if (!test)
-                    return;
-                test->logsAwaited = false;
-                test->newestLog = newest;
-                if (test->seconds)
-                    health->finishAnswered(Agent::codex);
-            });
+    m_queue.async([&loop = m_loop, health = QPointer(this), id, folder = CodexLimitsReader::sessionsDir(m_home)] {
+        std::optional<Date> newest;
+        for (const QByteArray& log : CodexLimitsReader::newestLogs(folder, 1))
+            newest = changedAt(QFile::decodeName(log));
+        loop.post([health, id, newest] {
+            Test* test = health ? health->running(Agent::codex, id) : nullptr;
+            if (!test)
+                return;
+            test->logsAwaited = false;
+            test->newestLog = newest;
+            if (test->seconds)
+                health->finishAnswered(Agent::codex);
         });
+    });
 }
 
 AgentHealth::Test* AgentHealth::running(Agent agent, const QString& id)
@@ -172,11 +174,11 @@ void AgentHealth::examine(Agent agent, const QString& id)
     test->examining = true;
     test->limit.cancel();
     const QString netcat = QStringLiteral("nc");
-    if (!m_platform.commands.exists(netcat)) {
+    if (!m_commands.exists(netcat)) {
         finish(agent, TestResult::noNetcat);
         return;
     }
-    m_platform.commands.run({ netcat, QStringLiteral("-U"), QStringLiteral("-w1"), m_socket }, {}, patience,
+    m_commands.run({ netcat, QStringLiteral("-U"), QStringLiteral("-w1"), m_socket }, {}, patience,
         [health = QPointer(this), agent, id = test->id](const CommandResult& result) {
             const Test* still = health ? health->running(agent, id) : nullptr;
             if (!still || still->seconds)
@@ -207,12 +209,13 @@ void AgentHealth::finish(Agent agent, TestResult result)
 
 void AgentHealth::repair()
 {
-    repairAll();
-    refresh();
-    for (const Agent agent : allAgents) {
-        if (state(agent).report)
-            test(rawValue(agent));
-    }
+    repairAll([this] {
+        refresh();
+        for (const Agent agent : allAgents) {
+            if (state(agent).report)
+                test(rawValue(agent));
+        }
+    });
 }
 
 bool AgentHealth::isRepairable() const
@@ -239,9 +242,8 @@ QVariantMap AgentHealth::row(Agent agent) const
     QString caption = QStringLiteral("Off");
     QString result;
     if (on) {
-        const QString last = own.lastHeard
-            ? QStringLiteral("Last event %1").arg(agoText(m_platform.loop.now() - *own.lastHeard))
-            : QStringLiteral("No event yet");
+        const QString last = own.lastHeard ? QStringLiteral("Last event %1").arg(agoText(m_loop.now() - *own.lastHeard))
+                                           : QStringLiteral("No event yet");
         caption = stateText(own.hooks.state) + QStringLiteral(" · ") + last;
         if (own.test)
             result = QStringLiteral("Testing…");

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Kestro/Platform/MainLoop.h"
-#include "Kestro/Platform/Platform.h"
 #include "KestroCore/Agents/AgentEvent.h"
 #include "KestroCore/Agents/HookHealth.h"
 #include "KestroCore/Support/Date.h"
@@ -15,7 +14,10 @@
 
 namespace kestro {
 
+class CommandRunner;
+class Log;
 struct CommandResult;
+struct Platform;
 
 /// Whether each agent's hooks are in place and reach us: what the Agents pane shows of it, the test that the user can
 /// run, and the repair. Main thread.
@@ -27,11 +29,11 @@ class AgentHealth final : public QObject {
     Q_PROPERTY(QVariantMap rows READ rows NOTIFY changed)
     Q_PROPERTY(bool repairable READ isRepairable NOTIFY changed)
 public:
-    /// `home` is the user's home folder, `socket` the path of the agents' socket.
+    /// `home` is the user's home folder, `socket` the path of the agents' socket. The ports must outlive it.
     AgentHealth(const Platform& platform, QString home, QString socket);
 
     /// Every event that arrives comes here, also one that makes no session.
-    void heard(const AgentEvent& event, Date now);
+    void handleEvent(const AgentEvent& event, Date now);
 
     /// Looks at the files anew, and at the time.
     Q_INVOKABLE void refresh();
@@ -44,8 +46,8 @@ public:
     QVariantMap rows() const;
     bool isRepairable() const;
 
-    /// Puts the hooks into the files and opens the socket anew; bound by the model.
-    std::function<void()> repairAll = [] {};
+    /// Puts the hooks into the files, opens the socket anew, then calls `done`; bound by the feature.
+    std::function<void(std::function<void()> done)> repairAll = [](const auto& done) { done(); };
     /// Whether the user wants to hear of this agent; bound by the model.
     std::function<bool(Agent)> isWanted = [](Agent) { return true; };
 
@@ -89,7 +91,9 @@ private:
     void finish(Agent agent, HookHealth::TestResult result);
     QVariantMap row(Agent agent) const;
 
-    Platform m_platform;
+    MainLoop& m_loop;
+    CommandRunner& m_commands;
+    Log& m_log;
     QString m_home;
     QString m_socket;
     /// What the user is told of a file or folder in the socket's place; empty where there is none.

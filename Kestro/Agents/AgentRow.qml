@@ -1,7 +1,7 @@
 import QtQuick
 import Kestro.Style
 
-/// A session in one line: agent, project, state, age. Pressed it asks for the way back to where it runs. Its highlight
+/// A session in one line: agent, project, state, age. Pressed it asks for the window in which it runs. Its highlight
 /// has 8 points on either side of what is written.
 Pressable {
     id: row
@@ -12,7 +12,7 @@ Pressable {
     required property string stateWord
     required property string stateName
     required property string ago
-    required property string lostWay ///< why it could not be gone to; mostly empty
+    required property string missingWindow ///< why it could not be gone to; mostly empty
     property bool selected: false ///< by the keyboard
 
     readonly property string shownProject: project === "" ? "–" : project
@@ -29,7 +29,7 @@ Pressable {
 
     Keys.enabled: false
 
-    Accessible.description: lostWay
+    Accessible.description: missingWindow
     Accessible.ignored: !visible
     Accessible.selectable: true
     Accessible.selected: selected
@@ -64,7 +64,7 @@ Pressable {
         id: lost
 
         anchors { right: word.left; rightMargin: text === "" ? 0 : 12; baseline: word.baseline }
-        text: row.lostWay
+        text: row.missingWindow
         font: Theme.captionFont
         color: Theme.secondaryInk
     }

@@ -17,19 +17,21 @@ AgentsFeature::AgentsFeature(FeatureHost& host, const Platform& platform, const 
     : Feature(host)
     , m_host(host)
     , m_loop(platform.loop)
-    , m_agents(platform, host.switches, host.surface, folders.home)
-    , m_limits(platform.loop, platform.preferences, host.switches, host.surface, folders.home)
+    , m_files(platform.loop, folders.home)
+    , m_agents(platform, host.switches, host.surface, m_files)
+    , m_limits(platform.loop, platform.preferences, host.switches, host.surface, m_files)
     , m_health(platform, folders.home, socketPath(folders))
     , m_intake(platform.loop, platform.peers, socketPath(folders))
     , m_widget(m_agents, m_limits)
     , m_waitingShortcut(platform.preferences, waitingShortcut())
 {
     m_intake.received = [this](const SocketMessage& message, const HookOrigin& origin) { receive(message, origin); };
-    m_health.repairAll = [this] {
+    m_health.repairAll = [this](std::function<void()> done) {
         m_intake.close();
         applyAgents();
         if (m_limits.isOn())
             applyLimits();
+        m_files.afterwards(std::move(done));
     };
     m_health.isWanted = [this](Agent agent) { return m_agents.isWatched(agent); };
     // Each switch's own model has reacted by then.
@@ -89,7 +91,7 @@ void AgentsFeature::receive(const SocketMessage& message, const HookOrigin& orig
     const AgentEvent* event = message.event();
     if (!event)
         return;
-    m_health.heard(*event, m_loop.now());
+    m_health.handleEvent(*event, m_loop.now());
     if (m_agents.handle(*event, origin) && event->agent == Agent::codex && event->name == QLatin1String("Stop")
         && m_limits.isOn())
         m_limits.refreshCodexLimits();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Kestro/Agents/AgentFiles.h"
 #include "Kestro/Agents/AgentHealth.h"
 #include "Kestro/Agents/AgentIntake.h"
 #include "Kestro/Agents/AgentsModel.h"
@@ -24,6 +25,7 @@ public:
     AgentsFeature(FeatureHost& host, const Platform& platform, const Folders& folders);
 
     void start() override;
+    void finish() override { m_files.finish(); }
     std::vector<Widget*> widgets() override { return { &m_widget }; }
     std::vector<ShortcutSource*> shortcuts() override { return { &m_waitingShortcut }; }
     QList<SettingsPane> panes() override;
@@ -31,6 +33,7 @@ public:
     AgentsModel* agents() { return &m_agents; }
     LimitsModel* limits() { return &m_limits; }
     AgentHealth* health() { return &m_health; }
+    AgentFiles& files() { return m_files; }
     /// Brings files and socket in line with the switches. Safe at any time.
     void applyAgents();
     void applyLimits();
@@ -46,6 +49,7 @@ private:
 
     FeatureHost& m_host;
     MainLoop& m_loop;
+    AgentFiles m_files;
     AgentsModel m_agents;
     LimitsModel m_limits;
     AgentHealth m_health;

@@ -1,11 +1,11 @@
 #include "Kestro/Agents/AgentsModel.h"
 
+#include "Kestro/Agents/AgentFiles.h"
 #include "Kestro/Agents/AgentsPreferences.h"
 #include "Kestro/Platform/PeerInspector.h"
 #include "Kestro/Platform/Platform.h"
 #include "Kestro/Widgets/SurfaceState.h"
 #include "KestroCore/Agents/HookInstaller.h"
-#include "KestroCore/Support/StorageError.h"
 
 #include <QFileInfo>
 #include <utility>
@@ -16,32 +16,32 @@ namespace {
 constexpr qsizetype mostSessionLines = 4;
 }
 
-AgentsModel::AgentsModel(const Platform& platform, FeatureSwitches& switches, SurfaceState& surface, QString home)
+AgentsModel::AgentsModel(const Platform& platform, FeatureSwitches& switches, SurfaceState& surface, AgentFiles& files)
     : m_loop(platform.loop)
     , m_preferences(platform.preferences)
     , m_surface(surface)
-    , m_home(std::move(home))
+    , m_files(files)
     , m_activity(switches, prefs::agentsEnabled)
     , m_claude(switches, prefs::claudeEnabled)
     , m_codex(switches, prefs::codexEnabled)
     , m_cursor(switches, prefs::cursorEnabled)
     , m_now(platform.loop.now())
     , m_processes(platform.peers, platform.loop, [this](const QString& id) { agentEnded(id); })
-    , m_wayBack(platform)
+    , m_terminals(platform)
 {
     connect(&m_activity, &FeatureSwitch::changed, this, &AgentsModel::activityTurned);
     for (FeatureSwitch* each : { &m_claude, &m_codex, &m_cursor })
         connect(each, &FeatureSwitch::changed, this, &AgentsModel::applyAgents);
-    connect(&m_wayBack, &WayBack::lostChanged, this, &AgentsModel::showRows);
-    connect(&surface, &SurfaceState::expandedChanged, this, [this] {
-        if (m_surface.expanded())
-            showRows();
-    });
+    connect(&m_terminals, &TerminalActivator::lostChanged, this, &AgentsModel::showRows);
+    connect(&surface, &SurfaceState::expandedChanged, this, &AgentsModel::tick);
 }
 
 AgentsModel::~AgentsModel() = default;
 
-QString AgentsModel::cursorFolder() const { return QFileInfo(HookInstaller::configURL(Agent::cursor, m_home)).path(); }
+QString AgentsModel::cursorFolder() const
+{
+    return QFileInfo(HookInstaller::configURL(Agent::cursor, m_files.home())).path();
+}
 
 bool AgentsModel::cursorInstalled() const { return QFileInfo(cursorFolder()).isDir(); }
 
@@ -73,14 +73,12 @@ bool AgentsModel::isWatched(Agent agent) const
 
 void AgentsModel::applyAgents()
 {
-    m_fileErrors.clear();
-    for (const Agent agent : allAgents) {
-        try {
-            HookInstaller::apply(isWatched(agent), agent, HookInstaller::configURL(agent, m_home));
-        } catch (const StorageError& error) {
-            m_fileErrors.append(error.description());
-        }
-    }
+    m_files.applyHooks({ isWatched(Agent::claude), isWatched(Agent::codex), isWatched(Agent::cursor) },
+        [this](const QStringList& errors) {
+            m_fileErrors = errors;
+            Q_EMIT errorsChanged();
+            sessionsChanged();
+        });
     if (!isOn())
         m_store = SessionStore();
     Q_EMIT errorsChanged();
@@ -112,7 +110,7 @@ bool AgentsModel::handle(const AgentEvent& event, const HookOrigin& origin)
     const auto before = m_store.state(event.sessionID);
     m_store.apply(event, m_now);
     if (const auto session = m_store.sessions.find(event.sessionID); session != m_store.sessions.end()) {
-        m_wayBack.heard(event, origin, session->second);
+        m_terminals.handleEvent(event, origin, session->second);
         m_processes.handleEvent(event.sessionID, origin); // which may end the session
     }
     // Most events find an agent at work and leave it so: then its age alone is new, which only rows show.
@@ -132,16 +130,16 @@ void AgentsModel::agentEnded(const QString& id)
 void AgentsModel::raiseSession(const QString& id)
 {
     if (const auto session = m_store.sessions.find(id); session != m_store.sessions.end())
-        m_wayBack.raise(session->second);
+        m_terminals.raise(session->second);
 }
 
 bool AgentsModel::raiseWaiting()
 {
-    const auto waiting = m_wayBack.longestWaiting();
+    const auto waiting = m_terminals.longestWaiting();
     if (!waiting)
         return true;
     raiseSession(*waiting);
-    return !m_wayBack.lost().contains(*waiting);
+    return !m_terminals.lost().contains(*waiting);
 }
 
 void AgentsModel::tick()
@@ -153,22 +151,42 @@ void AgentsModel::tick()
 
 void AgentsModel::sessionsChanged()
 {
-    // What is known beside a session goes with it, whichever way it went.
-    if (std::exchange(m_sessionCount, m_store.sessions.size()) > m_store.sessions.size()) {
-        const auto lives = [this](const QString& id) { return m_store.sessions.contains(id); };
-        m_processes.prune(lives);
-        m_wayBack.keep(lives);
-    }
-    // Without sessions there is nothing to age, so the ticker sleeps.
-    if (m_store.sessions.empty())
-        m_ticker.cancel();
-    else if (!m_ticker)
-        m_ticker = m_loop.every(1.0, [this] { tick(); });
+    forgetEndedSessions();
+    scheduleTick();
     showRows();
     // The rows tell their own changes; of all else that surfaces draw, most events change nothing.
     const auto drawn = std::pair(badge(), cardLines());
     if (std::exchange(m_drawn, drawn) != drawn)
         Q_EMIT looksChanged();
+}
+
+/// A session ends in many ways. A new one that takes the place of the oldest leaves their number as it was: of those
+/// there may be as many again before they are looked for, which keeps the walk away from most events.
+void AgentsModel::forgetEndedSessions()
+{
+    const std::size_t count = m_store.sessions.size();
+    const bool fewer = std::exchange(m_sessionCount, count) > count;
+    if (!fewer && m_terminals.count() <= 2 * SessionStore::mostSessions)
+        return;
+    const auto lives = [this](const QString& id) { return m_store.sessions.contains(id); };
+    m_processes.prune(lives);
+    m_terminals.prune(lives);
+}
+
+/// The ages in the rows change each second. While nobody sees them, the next moment that matters may be far.
+void AgentsModel::scheduleTick()
+{
+    const auto next = m_store.nextChange(m_now);
+    if (!next || !rowsAreSeen())
+        m_ticker.cancel();
+    else if (!m_ticker)
+        m_ticker = m_loop.every(1.0, [this] { tick(); });
+    if (!next || m_ticker) {
+        m_nextTick.cancel();
+    } else if (!m_nextTick || *next != m_nextTickAt) {
+        m_nextTickAt = *next;
+        m_nextTick = m_loop.after(*next - m_now, [this] { tick(); });
+    }
 }
 
 qsizetype AgentsModel::cardLines() const
@@ -183,7 +201,7 @@ bool AgentsModel::rowsAreSeen() const { return m_surface.expanded() || !m_rowsWa
 void AgentsModel::showRows()
 {
     if (rowsAreSeen())
-        m_rows.show(m_store.sorted(), m_now, m_wayBack.lost());
+        m_rows.show(m_store.sorted(), m_now, m_terminals.lost());
 }
 
 std::shared_ptr<void> AgentsModel::watchRows()
@@ -192,7 +210,7 @@ std::shared_ptr<void> AgentsModel::watchRows()
     if (!watch) {
         watch = std::make_shared<bool>();
         m_rowsWatch = watch;
-        showRows();
+        tick();
     }
     return watch;
 }

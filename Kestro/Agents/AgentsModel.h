@@ -2,7 +2,7 @@
 
 #include "Kestro/Agents/AgentProcesses.h"
 #include "Kestro/Agents/SessionRows.h"
-#include "Kestro/Agents/WayBack.h"
+#include "Kestro/Agents/TerminalActivator.h"
 #include "Kestro/Platform/MainLoop.h"
 #include "Kestro/Preferences/FeatureSwitch.h"
 #include "KestroCore/Agents/AgentEvent.h"
@@ -17,10 +17,12 @@
 namespace kestro {
 
 class PreferenceStore;
+class AgentFiles;
 class SurfaceState;
 struct Platform;
 
-/// The agents' sessions: whose hooks stand in their files, what each session does, and the way back to it. Main thread.
+/// The agents' sessions: whose hooks stand in their files, what each session does, and the window in which it runs.
+/// Main thread.
 class AgentsModel final : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -34,8 +36,8 @@ class AgentsModel final : public QObject {
     Q_PROPERTY(QStringList errorLines READ errorLines NOTIFY errorsChanged)
     Q_PROPERTY(kestro::SessionRows* rows READ rows CONSTANT)
 public:
-    /// `home` is the user's home folder. Everything must outlive it. It only constructs.
-    AgentsModel(const Platform& platform, FeatureSwitches& switches, SurfaceState& surface, QString home);
+    /// Everything must outlive it. It only constructs.
+    AgentsModel(const Platform& platform, FeatureSwitches& switches, SurfaceState& surface, AgentFiles& files);
     ~AgentsModel() override;
 
     FeatureSwitch* activity() { return &m_activity; }
@@ -83,13 +85,15 @@ private:
     void tick();
     void agentEnded(const QString& id);
     void sessionsChanged();
+    void forgetEndedSessions();
+    void scheduleTick();
     void showRows();
     bool rowsAreSeen() const;
 
     MainLoop& m_loop;
     PreferenceStore& m_preferences;
     SurfaceState& m_surface;
-    QString m_home;
+    AgentFiles& m_files;
     FeatureSwitch m_activity;
     FeatureSwitch m_claude;
     FeatureSwitch m_codex;
@@ -102,9 +106,11 @@ private:
     SessionRows m_rows;
     std::weak_ptr<void> m_rowsWatch;
     std::pair<std::optional<AgentState>, qsizetype> m_drawn; ///< the badge, and the card's lines
-    Timer m_ticker;
+    Timer m_ticker; ///< of the ages in the rows, while they are seen
+    WorkItem m_nextTick; ///< of what time changes, while they are not
+    Date m_nextTickAt;
     AgentProcesses m_processes;
-    WayBack m_wayBack;
+    TerminalActivator m_terminals;
 };
 
 } // namespace kestro

@@ -1,14 +1,12 @@
 #include "Kestro/Agents/LimitsModel.h"
 
+#include "Kestro/Agents/AgentFiles.h"
 #include "Kestro/Agents/AgentSymbols.h"
 #include "Kestro/Agents/AgentsPreferences.h"
 #include "Kestro/Preferences/PreferenceKeys.h"
 #include "Kestro/Widgets/SurfaceState.h"
 #include "KestroCore/Agents/AgentLimitsRow.h"
 #include "KestroCore/Agents/CodexLimitsReader.h"
-#include "KestroCore/Agents/HookInstaller.h"
-#include "KestroCore/Agents/StatusLineInstaller.h"
-#include "KestroCore/Support/StorageError.h"
 
 #include <QLocale>
 #include <QPointer>
@@ -45,11 +43,11 @@ QVariantMap gaugeMap(const WindowGauge& gauge)
 } // namespace
 
 LimitsModel::LimitsModel(
-    MainLoop& loop, PreferenceStore& preferences, FeatureSwitches& switches, SurfaceState& surface, QString home)
+    MainLoop& loop, PreferenceStore& preferences, FeatureSwitches& switches, SurfaceState& surface, AgentFiles& files)
     : m_loop(loop)
     , m_preferences(preferences)
     , m_surface(surface)
-    , m_home(std::move(home))
+    , m_files(files)
     , m_enabled(switches, prefs::limitsEnabled)
 {
     connect(&m_enabled, &FeatureSwitch::changed, this, &LimitsModel::applyLimits);
@@ -62,13 +60,10 @@ LimitsModel::LimitsModel(
 
 void LimitsModel::applyLimits()
 {
-    m_fileErrors.clear();
-    try {
-        StatusLineInstaller::apply(
-            isOn(), HookInstaller::configURL(Agent::claude, m_home), StatusLineInstaller::supportDir(m_home));
-    } catch (const StorageError& error) {
-        m_fileErrors.append(error.description());
-    }
+    m_files.applyStatusLine(isOn(), [this](const QStringList& errors) {
+        m_fileErrors = errors;
+        Q_EMIT changed();
+    });
     if (isOn()) {
         refreshCodexLimits();
     } else {
@@ -113,7 +108,7 @@ void LimitsModel::expandedChanged()
 void LimitsModel::refreshCodexLimits()
 {
     m_codexRefreshedAt = m_loop.now();
-    m_queue.async([&loop = m_loop, model = QPointer(this), folder = CodexLimitsReader::sessionsDir(m_home)] {
+    m_queue.async([&loop = m_loop, model = QPointer(this), folder = CodexLimitsReader::sessionsDir(m_files.home())] {
         loop.post([model, limits = CodexLimitsReader::latest(folder)] {
             if (model)
                 model->setCodexLimits(limits);

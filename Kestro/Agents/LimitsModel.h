@@ -13,6 +13,7 @@
 
 namespace kestro {
 
+class AgentFiles;
 class PreferenceStore;
 class SurfaceState;
 
@@ -29,9 +30,9 @@ class LimitsModel final : public QObject {
     Q_PROPERTY(QVariantList rows READ rows NOTIFY changed)
     Q_PROPERTY(QString barStyle READ barStyle NOTIFY changed)
 public:
-    /// `home` is the user's home folder. Everything must outlive it. It only constructs.
-    LimitsModel(
-        MainLoop& loop, PreferenceStore& preferences, FeatureSwitches& switches, SurfaceState& surface, QString home);
+    /// Everything must outlive it. It only constructs.
+    LimitsModel(MainLoop& loop, PreferenceStore& preferences, FeatureSwitches& switches, SurfaceState& surface,
+        AgentFiles& files);
 
     FeatureSwitch* enabled() { return &m_enabled; }
     bool isOn() const { return m_enabled.isOn(); }
@@ -70,7 +71,7 @@ private:
     MainLoop& m_loop;
     PreferenceStore& m_preferences;
     SurfaceState& m_surface;
-    QString m_home;
+    AgentFiles& m_files;
     FeatureSwitch m_enabled;
     QStringList m_fileErrors;
     bool m_socketFailed = false;

@@ -21,15 +21,15 @@ QString stateName(AgentState state)
     Q_UNREACHABLE();
 }
 
-void SessionRows::show(std::span<const Session> sessions, Date now, const std::map<QString, QString>& lostWays)
+void SessionRows::show(std::span<const Session> sessions, Date now, const std::map<QString, QString>& missingWindows)
 {
     QList<Row> rows;
     rows.reserve(qsizetype(sessions.size()));
     for (const Session& session : sessions) {
-        const auto lost = lostWays.find(session.id);
+        const auto lost = missingWindows.find(session.id);
         rows.append({ session.id, agentSymbol(session.agent), session.project, stateWord(session.state),
             stateName(session.state), agoText(now - session.lastEventAt),
-            lost == lostWays.end() ? QString() : lost->second });
+            lost == missingWindows.end() ? QString() : lost->second });
     }
 
     const auto shared = std::min(rows.size(), m_rows.size());
@@ -80,8 +80,8 @@ QVariant SessionRows::data(const QModelIndex& index, int role) const
         return row.stateName;
     case Ago:
         return row.ago;
-    case LostWay:
-        return row.lostWay;
+    case MissingWindow:
+        return row.missingWindow;
     default:
         return {};
     }
@@ -90,7 +90,7 @@ QVariant SessionRows::data(const QModelIndex& index, int role) const
 QHash<int, QByteArray> SessionRows::roleNames() const
 {
     return { { SessionId, "sessionId" }, { AgentSymbol, "agentSymbol" }, { Project, "project" },
-        { StateWord, "stateWord" }, { StateName, "stateName" }, { Ago, "ago" }, { LostWay, "lostWay" } };
+        { StateWord, "stateWord" }, { StateName, "stateName" }, { Ago, "ago" }, { MissingWindow, "missingWindow" } };
 }
 
 } // namespace kestro

@@ -18,11 +18,11 @@ QString stateName(AgentState state);
 class SessionRows final : public QAbstractListModel {
     Q_OBJECT
 public:
-    enum Role { SessionId = Qt::UserRole, AgentSymbol, Project, StateWord, StateName, Ago, LostWay };
+    enum Role { SessionId = Qt::UserRole, AgentSymbol, Project, StateWord, StateName, Ago, MissingWindow };
 
-    /// Draws `sessions`, in their order, as of `now`. `lostWays` has a word for each session whose window was looked
-    /// for and not found, by its id.
-    void show(std::span<const Session> sessions, Date now, const std::map<QString, QString>& lostWays = {});
+    /// Draws `sessions`, in their order, as of `now`. `missingWindows` has a word for each session whose window was
+    /// looked for and not found, by its id.
+    void show(std::span<const Session> sessions, Date now, const std::map<QString, QString>& missingWindows = {});
 
     /// Where the session stands; -1 where it is not shown.
     Q_INVOKABLE int rowOf(const QString& id) const;
@@ -39,7 +39,7 @@ Q_SIGNALS:
 
 private:
     struct Row {
-        QString id, symbol, project, stateWord, stateName, ago, lostWay;
+        QString id, symbol, project, stateWord, stateName, ago, missingWindow;
         bool operator==(const Row&) const = default;
     };
 

@@ -8,23 +8,30 @@ namespace kestro {
 
 namespace {
 
-enum class Effect { Remove, Keep, Work, Ask, Finish, Rest };
+constexpr std::array allStates{ AgentState::idle, AgentState::working, AgentState::needsInput, AgentState::done };
+
+constexpr double lifetime(AgentState state)
+{
+    return state == AgentState::done ? SessionStore::doneLifetime : SessionStore::staleAfter;
+}
+
+enum class Effect { remove, keep, work, ask, finish, rest };
 
 std::optional<Effect> effectOf(const QString& eventName)
 {
     static const std::array<std::pair<QLatin1String, Effect>, 12> effects{ {
-        { QLatin1String("SessionEnd"), Effect::Remove },
-        { QLatin1String("sessionEnd"), Effect::Remove },
-        { QLatin1String("SessionStart"), Effect::Keep },
-        { QLatin1String("sessionStart"), Effect::Keep },
-        { QLatin1String("UserPromptSubmit"), Effect::Work },
-        { QLatin1String("PostToolUse"), Effect::Work },
-        { QLatin1String("beforeSubmitPrompt"), Effect::Work },
-        { QLatin1String("postToolUse"), Effect::Work },
-        { QLatin1String("PermissionRequest"), Effect::Ask },
-        { QLatin1String("Stop"), Effect::Finish },
-        { QLatin1String("stop"), Effect::Finish },
-        { QLatin1String("Interrupt"), Effect::Rest },
+        { QLatin1String("SessionEnd"), Effect::remove },
+        { QLatin1String("sessionEnd"), Effect::remove },
+        { QLatin1String("SessionStart"), Effect::keep },
+        { QLatin1String("sessionStart"), Effect::keep },
+        { QLatin1String("UserPromptSubmit"), Effect::work },
+        { QLatin1String("PostToolUse"), Effect::work },
+        { QLatin1String("beforeSubmitPrompt"), Effect::work },
+        { QLatin1String("postToolUse"), Effect::work },
+        { QLatin1String("PermissionRequest"), Effect::ask },
+        { QLatin1String("Stop"), Effect::finish },
+        { QLatin1String("stop"), Effect::finish },
+        { QLatin1String("Interrupt"), Effect::rest },
     } };
     const auto* const found = std::ranges::find_if(effects, [&](const auto& row) { return row.first == eventName; });
     if (found == effects.end())
@@ -35,16 +42,16 @@ std::optional<Effect> effectOf(const QString& eventName)
 AgentState stateAfter(Effect effect, AgentState before)
 {
     switch (effect) {
-    case Effect::Work:
+    case Effect::work:
         return AgentState::working;
-    case Effect::Ask:
+    case Effect::ask:
         return AgentState::needsInput;
-    case Effect::Finish:
+    case Effect::finish:
         return AgentState::done;
-    case Effect::Rest:
+    case Effect::rest:
         return AgentState::idle;
-    case Effect::Remove:
-    case Effect::Keep:
+    case Effect::remove:
+    case Effect::keep:
         break;
     }
     return before;
@@ -69,7 +76,7 @@ void SessionStore::apply(const AgentEvent& event, Date now)
     const auto effect = effectOf(event.name);
     if (!effect)
         return;
-    if (*effect == Effect::Remove) {
+    if (*effect == Effect::remove) {
         sessions.erase(event.sessionID);
         return;
     }
@@ -88,12 +95,24 @@ void SessionStore::apply(const AgentEvent& event, Date now)
 
 void SessionStore::prune(Date now)
 {
-    for (const AgentState state : { AgentState::idle, AgentState::working, AgentState::needsInput, AgentState::done }) {
-        const double lifetime = state == AgentState::done ? doneLifetime : staleAfter;
-        for (const Session* oldest = sessions.oldest(state); oldest && now - oldest->lastEventAt >= lifetime;
+    for (const AgentState state : allStates) {
+        for (const Session* oldest = sessions.oldest(state); oldest && now - oldest->lastEventAt >= lifetime(state);
              oldest = sessions.oldest(state))
             sessions.erase(QString(oldest->id));
     }
+}
+
+std::optional<Date> SessionStore::nextChange(Date now) const
+{
+    std::optional<Date> next;
+    const auto consider = [&next](Date moment) { next = next ? std::min(*next, moment) : moment; };
+    for (const AgentState state : allStates) {
+        if (const Session* oldest = sessions.oldest(state))
+            consider(oldest->lastEventAt + lifetime(state));
+    }
+    if (const Session* done = sessions.newest(AgentState::done); done && wingState(now) == AgentState::done)
+        consider(done->lastEventAt + doneWingDuration);
+    return next;
 }
 
 std::optional<AgentState> SessionStore::state(const QString& id) const

@@ -26,6 +26,8 @@ struct SessionStore {
     void apply(const AgentEvent& event, Date now);
     /// Drops what is too old.
     void prune(Date now);
+    /// The next moment at which time alone changes `wingState` or `prune` drops something; nothing without sessions.
+    std::optional<Date> nextChange(Date now) const;
 
     /// Nothing where there is no such session.
     std::optional<AgentState> state(const QString& id) const;

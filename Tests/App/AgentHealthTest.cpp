@@ -66,11 +66,11 @@ protected:
         auto event = AgentEvent::parse("agent=" + rawValue(agent).toLatin1() + '\n' + input);
         ASSERT_TRUE(event);
         event->agent = named.value_or(agent);
-        health.heard(*event, platform.loop.now());
+        health.handleEvent(*event, platform.loop.now());
     }
     void hear(Agent agent, const char* name = "Stop")
     {
-        health.heard({ agent, u"s"_qs, {}, QString::fromLatin1(name), false }, platform.loop.now());
+        health.handleEvent({ agent, u"s"_qs, {}, QString::fromLatin1(name), false }, platform.loop.now());
     }
     static CommandResult failed(const char* errors) { return { true, 1, {}, errors }; }
 
@@ -180,7 +180,7 @@ TEST_F(AgentHealthTest, anAnswerCountsWhileTheReasonIsLookedFor)
     const QByteArray input = platform.commands.running.front().input;
     platform.commands.answer({ true, 0, {}, {} });
     platform.loop.advance(0.5);
-    health.heard(*AgentEvent::parse("agent=claude\n" + input), platform.loop.now());
+    health.handleEvent(*AgentEvent::parse("agent=claude\n" + input), platform.loop.now());
     EXPECT_EQ(resultOf(Agent::claude), u"Answered in 500 ms."_qs);
     platform.commands.answer(failed("refused"));
     EXPECT_EQ(resultOf(Agent::claude), u"Answered in 500 ms."_qs);
@@ -221,7 +221,10 @@ TEST_F(AgentHealthTest, findsACodexThatWorksAndSendsNothing)
 
 TEST_F(AgentHealthTest, repairsAndLooksAgain)
 {
-    health.repairAll = [this] { HookInstaller::apply(true, Agent::claude, file(Agent::claude)); };
+    health.repairAll = [this](const std::function<void()>& done) {
+        HookInstaller::apply(true, Agent::claude, file(Agent::claude));
+        done();
+    };
     EXPECT_FALSE(health.isRepairable());
     edit(Agent::claude, "-w1", "-w9");
     health.refresh();

@@ -204,6 +204,7 @@ TEST_F(AgentsModelTest, onlyWhatIsDrawnAsksForALayout)
     platform.loop.advance(1);
     EXPECT_EQ(changes, 1);
     EXPECT_EQ(agents().badge(), std::nullopt);
+    EXPECT_EQ(platform.loop.waiting(), 1) << "nobody looks: nothing wakes until a session is too old";
 }
 
 TEST_F(AgentsModelTest, theShortcutGoesToWhoHasWaitedLongest)

@@ -58,6 +58,7 @@ TEST_F(AppModelTest, aSwitchTurnedInTheFileActsAsOneTurnedHere)
     start();
     set("agentsEnabled", true);
     platform.loop.turn();
+    waitForAgentFiles();
     EXPECT_TRUE(agents().isOn());
     EXPECT_TRUE(hooked(Agent::claude));
     EXPECT_TRUE(hooked(Agent::codex));
@@ -67,6 +68,7 @@ TEST_F(AppModelTest, aSwitchTurnedInTheFileActsAsOneTurnedHere)
 
     set("codexEnabled", false);
     platform.loop.turn();
+    waitForAgentFiles();
     EXPECT_TRUE(hooked(Agent::claude));
     EXPECT_FALSE(hooked(Agent::codex));
 
@@ -74,6 +76,7 @@ TEST_F(AppModelTest, aSwitchTurnedInTheFileActsAsOneTurnedHere)
     EXPECT_EQ(AgentState::working, stateOf("s"));
     set("agentsEnabled", QStringLiteral("rubbish"));
     platform.loop.turn();
+    waitForAgentFiles();
     EXPECT_FALSE(hooked(Agent::claude));
     EXPECT_FALSE(QFile::exists(socketPath()));
     EXPECT_THAT(agents().store().sessions, IsEmpty());

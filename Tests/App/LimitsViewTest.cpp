@@ -132,7 +132,7 @@ protected:
     {
         for (int i = 0; i < many; ++i)
             sessions.push_back(session(QString::number(i)));
-        rows.show(sessions, now, lostWays);
+        rows.show(sessions, now, missingWindows);
         QQuickItem& list = show(("AgentList { width: 360; rows: null; " + properties + " }").constData());
         list.setProperty("rows", QVariant::fromValue<QObject*>(&rows));
         window.grabWindow(); // lays out
@@ -143,7 +143,7 @@ protected:
 
     const Date now{ 800000000 };
     std::vector<Session> sessions;
-    std::map<QString, QString> lostWays;
+    std::map<QString, QString> missingWindows;
     SessionRows rows;
 };
 

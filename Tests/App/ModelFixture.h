@@ -22,7 +22,16 @@ protected:
         model = std::make_unique<AppModel>(platform.ports(), Folders::under(home.path()));
         model->start();
         platform.loop.turn();
+        waitForAgentFiles();
         return *model;
+    }
+    /// Until what was asked for has been written, and its outcome told.
+    void waitForAgentFiles()
+    {
+        bool written = false;
+        model->agents().files().afterwards([&written] { written = true; });
+        while (!written)
+            ASSERT_TRUE(platform.loop.turnWhenPosted());
     }
     void set(const char* key, const QVariant& value) { platform.preferences.setValue(QString::fromLatin1(key), value); }
     QVariant stored(const char* key) const { return platform.preferences.values.value(QString::fromLatin1(key)); }
@@ -58,7 +67,11 @@ protected:
         sendMessage(QByteArray("agent=") + agent + "\n{\"session_id\":\"" + id + "\",\"hook_event_name\":\"" + event
             + "\",\"cwd\":\"" + cwd + "\"" + more + "}");
     }
-    void turn(const char* key, bool on) { model->host().switches.find(QString::fromLatin1(key))->turn(on); }
+    void turn(const char* key, bool on)
+    {
+        model->host().switches.find(QString::fromLatin1(key))->turn(on);
+        waitForAgentFiles();
+    }
     AgentsModel& agents() const { return *model->agents().agents(); }
     LimitsModel& limits() const { return *model->agents().limits(); }
     std::optional<AgentState> stateOf(const char* id) const { return agents().store().state(QString::fromLatin1(id)); }

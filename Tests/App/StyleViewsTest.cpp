@@ -12,9 +12,9 @@ using test::StyleViews;
 
 constexpr char sessions[] = R"(
         AgentList { width: 360; limit: 2; errorLines: ["Broken file"]; rows: ListModel {
-            ListElement { sessionId: "x"; lostWay: ""; agentSymbol: "sparkle"; project: "kestro"; stateWord: "Needs input"; stateName: "needsInput"; ago: "now" }
-            ListElement { sessionId: "x"; lostWay: ""; agentSymbol: "cursorarrow.rays"; project: ""; stateWord: "Done"; stateName: "done"; ago: "2m ago" }
-            ListElement { sessionId: "x"; lostWay: ""; agentSymbol: "sparkle"; project: "third"; stateWord: "Idle"; stateName: "idle"; ago: "1h ago" }
+            ListElement { sessionId: "x"; missingWindow: ""; agentSymbol: "sparkle"; project: "kestro"; stateWord: "Needs input"; stateName: "needsInput"; ago: "now" }
+            ListElement { sessionId: "x"; missingWindow: ""; agentSymbol: "cursorarrow.rays"; project: ""; stateWord: "Done"; stateName: "done"; ago: "2m ago" }
+            ListElement { sessionId: "x"; missingWindow: ""; agentSymbol: "sparkle"; project: "third"; stateWord: "Idle"; stateName: "idle"; ago: "1h ago" }
         } })";
 
 TEST_F(StyleViews, AreNamedByWhatTheyShow)

@@ -154,6 +154,15 @@ TEST(SessionStore, CountsAsAWalkWould)
                 return each.state == S::done && now - each.lastEventAt < 4;
             }));
         ASSERT_TRUE(std::ranges::is_sorted(all, std::ranges::greater(), &Session::lastEventAt));
+        const auto next = store.nextChange(now);
+        ASSERT_EQ(next.has_value(), !all.empty());
+        if (!next || *next <= now)
+            continue;
+        SessionStore waited = store;
+        waited.prune(*next + -0.001);
+        ASSERT_TRUE(waited == store && store.wingState(*next + -0.001) == store.wingState(now));
+        waited.prune(*next);
+        ASSERT_TRUE(waited != store || waited.wingState(*next) != store.wingState(now));
     }
 }
 

@@ -1,4 +1,4 @@
-#include "Kestro/Agents/WayBack.h"
+#include "Kestro/Agents/TerminalActivator.h"
 #include "Kestro/Agents/TerminalWindow.h"
 #include "Tests/Support/Fakes.h"
 
@@ -64,22 +64,22 @@ TEST(TerminalWindow, IsTheOneThatCanBeTold)
     EXPECT_EQ(terminalWindow(plain, {}, 0, two), 0U) << "a session without a project is in every title";
 }
 
-class WayBackTest : public testing::Test {
+class TerminalActivatorTest : public testing::Test {
 protected:
-    WayBackTest()
+    TerminalActivatorTest()
     {
         for (const ProcessId& each : { agent, terminal, desktop })
             platform.peers.processes[each.pid] = hookUnder({ each });
     }
-    void heard(
+    void handleEvent(
         const char* event, const HookOrigin& origin, AgentState state = AgentState::working, const char* id = "s")
     {
         Session session{ QString::fromLatin1(id), Agent::claude, QStringLiteral("kestro"), state, platform.loop.now() };
-        way.heard({ Agent::claude, session.id, {}, QString::fromLatin1(event) }, origin, session);
+        activator.handleEvent({ Agent::claude, session.id, {}, QString::fromLatin1(event) }, origin, session);
     }
     void raise(const char* id = "s")
     {
-        way.raise({ QString::fromLatin1(id), Agent::claude, QStringLiteral("kestro"), AgentState::working, {} });
+        activator.raise({ QString::fromLatin1(id), Agent::claude, QStringLiteral("kestro"), AgentState::working, {} });
     }
     static HookOrigin inTmux()
     {
@@ -91,49 +91,49 @@ protected:
     static CommandResult answer(const char* output) { return { true, 0, output, {} }; }
 
     test::FakePlatform platform;
-    WayBack way{ platform.ports() };
+    TerminalActivator activator{ platform.ports() };
 };
 
-TEST_F(WayBackTest, theWindowThatWasActiveAtThePromptIsRaised)
+TEST_F(TerminalActivatorTest, theWindowThatWasActiveAtThePromptIsRaised)
 {
     platform.windows.windows = { window(1, terminal), window(2, terminal), window(3, { 99, 1 }) };
     platform.windows.activeId = 2;
-    heard("UserPromptSubmit", hookUnder({ agent, terminal }));
+    handleEvent("UserPromptSubmit", hookUnder({ agent, terminal }));
     platform.windows.activeId = 1;
-    heard("PostToolUse", hookUnder({ agent, terminal })); // the user may be anywhere by now
+    handleEvent("PostToolUse", hookUnder({ agent, terminal })); // the user may be anywhere by now
     platform.windows.activeId = 3;
-    heard("UserPromptSubmit", hookUnder({ agent, terminal })); // sent from elsewhere
+    handleEvent("UserPromptSubmit", hookUnder({ agent, terminal })); // sent from elsewhere
     raise();
     EXPECT_THAT(platform.windows.raised, ElementsAre(2));
-    EXPECT_THAT(way.lost(), IsEmpty());
+    EXPECT_THAT(activator.lost(), IsEmpty());
 }
 
-TEST_F(WayBackTest, aLostWayIsToldUntilTheSessionIsHeardOf)
+TEST_F(TerminalActivatorTest, aLostWindowIsToldUntilTheSessionIsHeardOf)
 {
     raise("never seen");
-    heard("Stop", hookUnder({ agent, terminal }));
+    handleEvent("Stop", hookUnder({ agent, terminal }));
     raise();
-    EXPECT_THAT(way.lost(),
+    EXPECT_THAT(activator.lost(),
         ElementsAre(Pair(QStringLiteral("never seen"), QStringLiteral("no window")),
             Pair(QStringLiteral("s"), QStringLiteral("no window"))));
-    heard("Stop", hookUnder({ agent, terminal }));
-    way.keep([](const QString& id) { return id == QLatin1String("s"); });
-    EXPECT_THAT(way.lost(), IsEmpty());
+    handleEvent("Stop", hookUnder({ agent, terminal }));
+    activator.prune([](const QString& id) { return id == QLatin1String("s"); });
+    EXPECT_THAT(activator.lost(), IsEmpty());
 
     // The terminal has ended, and its number belongs to a program with a window.
     platform.windows.windows = { window(1, terminal) };
     platform.peers.processes[terminal.pid] = hookUnder({ { terminal.pid, 999 } });
     raise();
     EXPECT_THAT(platform.windows.raised, IsEmpty());
-    EXPECT_THAT(way.lost(), ElementsAre(Pair(QStringLiteral("s"), QStringLiteral("no window"))));
+    EXPECT_THAT(activator.lost(), ElementsAre(Pair(QStringLiteral("s"), QStringLiteral("no window"))));
 }
 
-TEST_F(WayBackTest, inTmuxTheClientShowsThePaneAndItsWindowIsRaised)
+TEST_F(TerminalActivatorTest, inTmuxTheClientShowsThePaneAndItsWindowIsRaised)
 {
     platform.windows.windows = { window(1, terminal), window(2, desktop) };
     platform.peers.processes[70] = hookUnder({ { 70, 1 }, desktop });
     platform.peers.processes[71] = hookUnder({ { 71, 1 }, terminal });
-    heard("Stop", inTmux());
+    handleEvent("Stop", inTmux());
     raise();
     ASSERT_EQ(platform.commands.running.size(), 1U);
     EXPECT_EQ(platform.commands.running.front().words.mid(0, 3),
@@ -149,7 +149,7 @@ TEST_F(WayBackTest, inTmuxTheClientShowsThePaneAndItsWindowIsRaised)
 
     // The terminal in which the user wrote comes before the likeliest one.
     platform.windows.activeId = 2;
-    heard("UserPromptSubmit", inTmux());
+    handleEvent("UserPromptSubmit", inTmux());
     platform.commands.answer(answer("$1\n70 900 $0 /dev/pts/1\n71 200 $1 /dev/pts/3\n"));
     raise();
     platform.commands.answer(answer("$1\n70 900 $0 /dev/pts/1\n71 200 $1 /dev/pts/3\n"));
@@ -157,22 +157,22 @@ TEST_F(WayBackTest, inTmuxTheClientShowsThePaneAndItsWindowIsRaised)
     EXPECT_THAT(platform.windows.raised, ElementsAre(1, 2));
 }
 
-TEST_F(WayBackTest, aTerminalThatWasStartedFromAPaneHasItsOwnWindow)
+TEST_F(TerminalActivatorTest, aTerminalThatWasStartedFromAPaneHasItsOwnWindow)
 {
     HookOrigin origin = inTmux();
     origin.ancestors.insert(origin.ancestors.begin() + 1, { terminal, {} });
     platform.windows.windows = { window(1, terminal), window(2, desktop) };
-    heard("Stop", origin);
+    handleEvent("Stop", origin);
     raise();
     EXPECT_THAT(platform.windows.raised, ElementsAre(1));
     origin.ancestors.resize(2); // started from a server that has ended since
-    heard("Stop", origin);
+    handleEvent("Stop", origin);
     raise();
     EXPECT_THAT(platform.windows.raised, ElementsAre(1, 1));
     EXPECT_TRUE(platform.commands.running.empty());
 }
 
-TEST_F(WayBackTest, tmuxWithoutATerminalSaysSo)
+TEST_F(TerminalActivatorTest, tmuxWithoutATerminalSaysSo)
 {
     const std::pair<CommandResult, const char*> cases[] = {
         { answer("$1\n"), "detached" },
@@ -181,36 +181,36 @@ TEST_F(WayBackTest, tmuxWithoutATerminalSaysSo)
         { { true, {}, {}, {} }, "no window" },
     };
     for (const auto& [result, word] : cases) {
-        heard("Stop", inTmux());
+        handleEvent("Stop", inTmux());
         raise();
         platform.commands.answer(result);
-        EXPECT_THAT(way.lost(), ElementsAre(Pair(QStringLiteral("s"), QLatin1String(word))));
+        EXPECT_THAT(activator.lost(), ElementsAre(Pair(QStringLiteral("s"), QLatin1String(word))));
     }
 }
 
-TEST_F(WayBackTest, theLatestClickCounts)
+TEST_F(TerminalActivatorTest, theLatestClickCounts)
 {
     platform.windows.windows = { window(1, terminal) };
-    heard("Stop", inTmux(), AgentState::done, "slow");
-    heard("Stop", hookUnder({ agent, terminal }), AgentState::done, "quick");
+    handleEvent("Stop", inTmux(), AgentState::done, "slow");
+    handleEvent("Stop", hookUnder({ agent, terminal }), AgentState::done, "quick");
     raise("slow");
     raise("quick");
     platform.commands.answer(answer("$1\n"));
     EXPECT_THAT(platform.windows.raised, ElementsAre(1));
-    EXPECT_THAT(way.lost(), IsEmpty()) << "nobody asks for it any more";
+    EXPECT_THAT(activator.lost(), IsEmpty()) << "nobody asks for it any more";
 }
 
-TEST_F(WayBackTest, theOneThatWaitsLongestIsKnown)
+TEST_F(TerminalActivatorTest, theOneThatWaitsLongestIsKnown)
 {
-    EXPECT_EQ(way.longestWaiting(), std::nullopt);
-    heard("PermissionRequest", {}, AgentState::needsInput, "b");
+    EXPECT_EQ(activator.longestWaiting(), std::nullopt);
+    handleEvent("PermissionRequest", {}, AgentState::needsInput, "b");
     platform.loop.advance(1);
-    heard("PermissionRequest", {}, AgentState::needsInput, "a");
+    handleEvent("PermissionRequest", {}, AgentState::needsInput, "a");
     platform.loop.advance(1);
-    heard("SessionStart", {}, AgentState::needsInput, "b"); // which moves its age, but it has waited all the time
-    EXPECT_EQ(way.longestWaiting(), QStringLiteral("b"));
-    heard("PostToolUse", {}, AgentState::working, "b");
-    EXPECT_EQ(way.longestWaiting(), QStringLiteral("a"));
+    handleEvent("SessionStart", {}, AgentState::needsInput, "b"); // which moves its age, but it has waited all the time
+    EXPECT_EQ(activator.longestWaiting(), QStringLiteral("b"));
+    handleEvent("PostToolUse", {}, AgentState::working, "b");
+    EXPECT_EQ(activator.longestWaiting(), QStringLiteral("a"));
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "Kestro/Platform/Platform.h"
 #include "KestroCore/Agents/AgentEvent.h"
 #include "KestroCore/Agents/HookOrigin.h"
 #include "KestroCore/Agents/Session.h"
@@ -12,22 +11,30 @@
 
 namespace kestro {
 
+class CommandRunner;
+class DesktopWindows;
+class PeerInspector;
 struct CommandResult;
+struct Platform;
 
-/// The way from a session back to the window in which it runs, also through tmux. Main thread; it waits for nothing.
-class WayBack final : public QObject {
+/// Brings the terminal window in which a session runs to the front, also through tmux. Main thread; it waits for nothing.
+class TerminalActivator final : public QObject {
     Q_OBJECT
 public:
-    explicit WayBack(const Platform& platform);
+    /// The ports must outlive it.
+    explicit TerminalActivator(const Platform& platform);
 
     /// An event of `session`, which it has brought to its state, came from `origin`.
-    void heard(const AgentEvent& event, const HookOrigin& origin, const Session& session);
+    void handleEvent(const AgentEvent& event, const HookOrigin& origin, const Session& session);
     /// Forgets the sessions that are over.
-    void keep(const std::function<bool(const QString&)>& lives);
+    void prune(const std::function<bool(const QString&)>& lives);
+
+    /// How many sessions it knows of.
+    std::size_t count() const { return m_terminals.size(); }
 
     /// Brings the session's window to the front, or finds that it cannot. The latest call counts.
     void raise(const Session& session);
-    /// For each session whose way was found to be lost, by its id, the word that says how.
+    /// For each session whose window was not found, by its id, the word that says why.
     const std::map<QString, QString>& lost() const { return m_lost; }
     /// The session that has waited for the user longest.
     std::optional<QString> longestWaiting() const;
@@ -37,7 +44,7 @@ Q_SIGNALS:
     void lostChanged();
 
 private:
-    struct Way {
+    struct Terminal {
         HookOrigin origin;
         quint32 promptWindow = 0; ///< where the user was seen to write to it
         std::optional<Date> waitingSince;
@@ -45,7 +52,7 @@ private:
     struct Attempt {
         QString session;
         QString project;
-        Way way;
+        Terminal terminal;
         quint64 generation;
     };
 
@@ -56,8 +63,10 @@ private:
     HookOrigin stillThere(HookOrigin origin) const;
     void setLost(const QString& id, const QString& word);
 
-    Platform m_platform;
-    std::map<QString, Way> m_ways;
+    PeerInspector& m_peers;
+    DesktopWindows& m_windows;
+    CommandRunner& m_commands;
+    std::map<QString, Terminal> m_terminals;
     std::map<QString, QString> m_lost;
     quint64 m_generation = 0;
 };
