@@ -9,7 +9,7 @@ namespace kestro {
 SurfaceItem::SurfaceItem(QQuickItem* parent)
     : QQuickItem(parent)
 {
-    static_assert(static_cast<int>(SurfaceShape::Anchor::Bottom) == BottomEdge);
+    static_assert(static_cast<int>(SurfaceShape::Anchor::bottom) == BottomEdge);
     setFlag(ItemHasContents);
 }
 

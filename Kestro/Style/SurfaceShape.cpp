@@ -40,9 +40,9 @@ QPainterPath flaredPath(const QSizeF& size, qreal radius, qreal flare, qreal ins
 QTransform placed(const QRectF& frame, SurfaceShape::Anchor anchor)
 {
     switch (anchor) {
-    case SurfaceShape::Anchor::Left:
+    case SurfaceShape::Anchor::left:
         return QTransform(-1, 0, 0, 1, frame.right(), frame.top());
-    case SurfaceShape::Anchor::Bottom:
+    case SurfaceShape::Anchor::bottom:
         return QTransform(0, 1, 1, 0, frame.left(), frame.top());
     default:
         return QTransform::fromTranslate(frame.left(), frame.top());
@@ -51,14 +51,14 @@ QTransform placed(const QRectF& frame, SurfaceShape::Anchor anchor)
 
 QPainterPath pathOf(const SurfaceShape& shape, const QRectF& frame, qreal inset)
 {
-    if (shape.anchor == SurfaceShape::Anchor::None) {
+    if (shape.anchor == SurfaceShape::Anchor::none) {
         const QRectF inner = frame.adjusted(inset, inset, -inset, -inset);
         const qreal radius = std::min({ shape.radius - inset, inner.width() / 2, inner.height() / 2 });
         QPainterPath path;
         path.addRoundedRect(inner, radius, radius);
         return path;
     }
-    const bool lying = shape.anchor == SurfaceShape::Anchor::Bottom;
+    const bool lying = shape.anchor == SurfaceShape::Anchor::bottom;
     const QSizeF size = lying ? frame.size().transposed() : frame.size();
     return placed(frame, shape.anchor).map(flaredPath(size, shape.radius, shape.flare, inset));
 }
@@ -71,11 +71,11 @@ QMargins bleedOf(const SurfaceShape& shape, const SurfacePaint& paint, qreal rat
     const int reach = static_cast<int>(std::ceil((shadowBlur + shadowDrop) * ratio));
     QMargins bleed(reach, reach, reach, reach);
     // Nothing is seen beyond the screen's edge.
-    if (shape.anchor == SurfaceShape::Anchor::Left) {
+    if (shape.anchor == SurfaceShape::Anchor::left) {
         bleed.setLeft(0);
-    } else if (shape.anchor == SurfaceShape::Anchor::Right) {
+    } else if (shape.anchor == SurfaceShape::Anchor::right) {
         bleed.setRight(0);
-    } else if (shape.anchor == SurfaceShape::Anchor::Bottom) {
+    } else if (shape.anchor == SurfaceShape::Anchor::bottom) {
         bleed.setBottom(0);
     }
     return bleed;
@@ -112,7 +112,7 @@ QRegion SurfaceShape::region(const QRectF& frame) const { return QRegion(outline
 
 QPainterPath SurfaceShape::border(const QRectF& frame, qreal inset) const { return pathOf(*this, frame, inset); }
 
-qreal SurfaceShape::endLength() const { return anchor == Anchor::None ? radius : radius + flare; }
+qreal SurfaceShape::endLength() const { return anchor == Anchor::none ? radius : radius + flare; }
 
 SurfacePicture drawSurface(const SurfaceShape& shape, const SurfacePaint& paint, qreal ratio)
 {

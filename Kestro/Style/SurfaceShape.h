@@ -12,9 +12,9 @@ namespace kestro {
 /// The outline of a surface. The item's rectangle is the whole frame, the flares included.
 struct SurfaceShape {
     /// The side of the screen that the shape grows out of; none is a plain rounded rectangle.
-    enum class Anchor { None, Left, Right, Bottom };
+    enum class Anchor { none, left, right, bottom };
 
-    Anchor anchor = Anchor::None;
+    Anchor anchor = Anchor::none;
     qreal radius = 12;
     qreal flare = 10;
 

@@ -50,16 +50,16 @@ SurfaceShape SidebarState::outline() const
 {
     using Anchor = SurfaceShape::Anchor;
     if (collapsed())
-        return { Anchor::None, DockGeometry::pillThickness / 2 };
+        return { Anchor::none, DockGeometry::pillThickness / 2 };
     if (m_prefs.placement == DockPlacement::detached)
         return {};
     switch (m_prefs.edge) {
     case SidebarEdge::left:
-        return { Anchor::Left };
+        return { Anchor::left };
     case SidebarEdge::right:
-        return { Anchor::Right };
+        return { Anchor::right };
     case SidebarEdge::bottom:
-        return { Anchor::Bottom };
+        return { Anchor::bottom };
     }
     Q_UNREACHABLE();
 }

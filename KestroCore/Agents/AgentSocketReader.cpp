@@ -150,10 +150,10 @@ void AgentSocketReader::readSome(Client& client, Clock::time_point now)
             client.lastByteAt = now;
             client.framer.feed({ m_buffer.data(), count });
         }
-        if (client.framer.state() == MessageFramer::State::Reading && (count > 0 || nothingYet))
+        if (client.framer.state() == MessageFramer::State::reading && (count > 0 || nothingYet))
             return;
         // Less than was asked for is all that has come.
-        if (client.framer.state() != MessageFramer::State::Complete || count < static_cast<ssize_t>(wanted))
+        if (client.framer.state() != MessageFramer::State::complete || count < static_cast<ssize_t>(wanted))
             break;
     }
     if (auto message = client.framer.message())

@@ -18,21 +18,21 @@ MessageFramer::State MessageFramer::feed(QByteArrayView bytes)
 {
     bytes = bytes.first(std::min(bytes.size(), room()));
     m_taken += bytes.size();
-    if (m_state == State::Invalid)
+    if (m_state == State::invalid)
         return m_state;
     const qsizetype seen = m_bytes.size();
     m_bytes.append(bytes);
-    qsizetype end = m_state == State::Complete ? seen : m_bytes.size();
+    qsizetype end = m_state == State::complete ? seen : m_bytes.size();
     for (qsizetype i = seen; i < m_bytes.size(); ++i) {
         if (!step(i))
             return fail();
-        if (m_at == At::BehindObject && m_state == State::Reading) {
-            m_state = State::Complete;
+        if (m_at == At::behindObject && m_state == State::reading) {
+            m_state = State::complete;
             end = i + 1;
         }
     }
     m_bytes.truncate(end);
-    if (m_state == State::Reading && room() == 0)
+    if (m_state == State::reading && room() == 0)
         return fail();
     return m_state;
 }
@@ -42,29 +42,29 @@ bool MessageFramer::step(qsizetype index)
 {
     const char c = m_bytes.at(index);
     switch (m_at) {
-    case At::Header:
+    case At::header:
         if (c != '\n')
             return index < maxHeaderBytes;
-        m_at = At::BeforeObject;
+        m_at = At::beforeObject;
         return SocketMessage::isHeader(QByteArrayView(m_bytes).first(index));
-    case At::BeforeObject:
+    case At::beforeObject:
         if (c != '{')
             return isWhiteSpace(c);
-        m_at = At::InObject;
+        m_at = At::inObject;
         m_depth = 1;
         return true;
-    case At::BehindObject:
+    case At::behindObject:
         return isWhiteSpace(c);
-    case At::InEscape:
-        m_at = At::InText;
+    case At::inEscape:
+        m_at = At::inText;
         return true;
-    case At::InText:
+    case At::inText:
         if (c == '"')
-            m_at = At::InObject;
+            m_at = At::inObject;
         else if (c == '\\')
-            m_at = At::InEscape;
+            m_at = At::inEscape;
         return true;
-    case At::InObject:
+    case At::inObject:
         return stepInObject(c);
     }
     return false;
@@ -75,7 +75,7 @@ bool MessageFramer::stepInObject(char c)
 {
     switch (c) {
     case '"':
-        m_at = At::InText;
+        m_at = At::inText;
         return true;
     case '{':
     case '[':
@@ -83,7 +83,7 @@ bool MessageFramer::stepInObject(char c)
     case '}':
     case ']':
         if (--m_depth == 0)
-            m_at = At::BehindObject;
+            m_at = At::behindObject;
         return true;
     default:
         return true;
@@ -93,13 +93,13 @@ bool MessageFramer::stepInObject(char c)
 MessageFramer::State MessageFramer::fail()
 {
     m_bytes = QByteArray();
-    m_state = State::Invalid;
+    m_state = State::invalid;
     return m_state;
 }
 
 std::optional<SocketMessage> MessageFramer::message() const
 {
-    return m_state == State::Complete ? SocketMessage::parse(m_bytes) : std::nullopt;
+    return m_state == State::complete ? SocketMessage::parse(m_bytes) : std::nullopt;
 }
 
 } // namespace kestro

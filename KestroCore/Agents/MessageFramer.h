@@ -15,9 +15,9 @@ public:
     static constexpr qsizetype defaultMaxBytes = 8'388'608;
 
     enum class State {
-        Reading, ///< more is needed
-        Complete, ///< a header line and one whole object are there, and nothing but white space behind them
-        Invalid, ///< nothing that follows can make a message of it
+        reading, ///< more is needed
+        complete, ///< a header line and one whole object are there, and nothing but white space behind them
+        invalid, ///< nothing that follows can make a message of it
     };
 
     explicit MessageFramer(qsizetype maxBytes = defaultMaxBytes)
@@ -38,7 +38,7 @@ public:
     std::optional<SocketMessage> message() const;
 
 private:
-    enum class At { Header, BeforeObject, InObject, InText, InEscape, BehindObject };
+    enum class At { header, beforeObject, inObject, inText, inEscape, behindObject };
 
     bool step(qsizetype index);
     bool stepInObject(char c);
@@ -47,8 +47,8 @@ private:
     qsizetype m_maxBytes;
     qsizetype m_taken = 0;
     QByteArray m_bytes; // up to the object's end
-    State m_state = State::Reading;
-    At m_at = At::Header;
+    State m_state = State::reading;
+    At m_at = At::header;
     int m_depth = 0;
 };
 

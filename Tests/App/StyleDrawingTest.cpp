@@ -29,11 +29,11 @@ TEST(SurfaceShape, GrowsOutOfItsEdge)
         QPointF besideFlare; ///< outside, in the flare's other corner
         QPointF innerCorner; ///< outside, cut off by the radius
     };
-    for (const Case& c : { Case{ Anchor::Right, { 52, 200 }, { 51.5, 6 }, { 2, 2 }, { 1, 11 } },
-             Case{ Anchor::Right, { 52, 200 }, { 51.5, 194 }, { 2, 198 }, { 1, 189 } },
-             Case{ Anchor::Left, { 52, 200 }, { 0.5, 6 }, { 50, 2 }, { 51, 11 } },
-             Case{ Anchor::Bottom, { 200, 52 }, { 6, 51.5 }, { 2, 2 }, { 11, 1 } },
-             Case{ Anchor::Bottom, { 200, 52 }, { 194, 51.5 }, { 198, 2 }, { 189, 1 } } }) {
+    for (const Case& c : { Case{ Anchor::right, { 52, 200 }, { 51.5, 6 }, { 2, 2 }, { 1, 11 } },
+             Case{ Anchor::right, { 52, 200 }, { 51.5, 194 }, { 2, 198 }, { 1, 189 } },
+             Case{ Anchor::left, { 52, 200 }, { 0.5, 6 }, { 50, 2 }, { 51, 11 } },
+             Case{ Anchor::bottom, { 200, 52 }, { 6, 51.5 }, { 2, 2 }, { 11, 1 } },
+             Case{ Anchor::bottom, { 200, 52 }, { 194, 51.5 }, { 198, 2 }, { 189, 1 } } }) {
         const QRectF frame({ 0, 0 }, c.frame);
         const QPainterPath outline = SurfaceShape{ .anchor = c.anchor }.outline(frame);
         SCOPED_TRACE(static_cast<int>(c.anchor));

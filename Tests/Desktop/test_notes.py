@@ -20,13 +20,16 @@ class Test(DesktopTest):
         self.pointer.glide(*self.tree.wait("button", "Notes").frame.middle)
         self.tree.wait("button", "Edit")
 
+    def wait_until_it_can_be_written(self):
+        self.tree.wait("text", "Note")
+        wait_for(lambda: "focused" in self.tree.find("text", "Note").states)
+
     def test_a_note_from_the_first_key_to_the_next_run(self):
         self.start()
         self.open_card()
         self.tree.wait("label", "Empty note")
         self.tree.find("button", "Edit").press()
-        self.tree.wait("text", "Note")
-        wait_for(lambda: "focused" in self.tree.find("text", "Note").states)
+        self.wait_until_it_can_be_written()
         for key in "milk":
             self.keys.type(key)
         wait_for(lambda: FILE.exists() and FILE.read_text() == "milk")
@@ -42,7 +45,7 @@ class Test(DesktopTest):
         self.open_card()
         self.tree.wait("label", "milk\neggs")
         self.pointer.click(*self.tree.find("button", "Notes").frame.middle)
-        self.tree.wait("text", "Note")
+        self.wait_until_it_can_be_written()
         self.keys.type("Escape")
         self.tree.wait_gone("text", "Note")
 

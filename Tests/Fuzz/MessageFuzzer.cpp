@@ -18,12 +18,12 @@ std::optional<SocketMessage> framed(QByteArrayView message, qsizetype split)
 {
     MessageFramer framer;
     framer.feed(message.first(split));
-    const bool completeEarly = framer.state() == MessageFramer::State::Complete;
+    const bool completeEarly = framer.state() == MessageFramer::State::complete;
     const auto early = framer.message();
     framer.feed(message.sliced(split));
     // Nothing that comes later turns one message into another: it only spoils it.
-    require(!completeEarly || framer.state() != MessageFramer::State::Reading);
-    require(framer.state() != MessageFramer::State::Invalid || framer.size() == 0);
+    require(!completeEarly || framer.state() != MessageFramer::State::reading);
+    require(framer.state() != MessageFramer::State::invalid || framer.size() == 0);
     require(!early || !framer.message() || early == framer.message());
     return framer.message();
 }

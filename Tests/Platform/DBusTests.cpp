@@ -261,22 +261,22 @@ TEST(BusProbe, TellsABusThatAnswersFromOneThatIsSilentOrMissing)
     ASSERT_TRUE(abstract.listen(QFile::decodeName(path)));
     const QByteArray missing = "unix:path=" + path + ".missing";
     const std::pair<QByteArray, BusProbe::State> cases[] = {
-        { bus.address(), Answering }, { missing + ';' + bus.address(), Answering },
-        { "unix:path=" + path.toPercentEncoding("/"), Silent },
-        { "unix:guid=0,abstract=" + path.toPercentEncoding("/"), Silent }, { missing, Absent },
-        { "unix:path=" + QByteArray(200, 'x'), Absent }, { "autolaunch:", Absent }, { "", Absent },
-        { "tcp:host=127.0.0.1,port=1", Answering }, // not asked
+        { bus.address(), answering }, { missing + ';' + bus.address(), answering },
+        { "unix:path=" + path.toPercentEncoding("/"), silent },
+        { "unix:guid=0,abstract=" + path.toPercentEncoding("/"), silent }, { missing, absent },
+        { "unix:path=" + QByteArray(200, 'x'), absent }, { "autolaunch:", absent }, { "", absent },
+        { "tcp:host=127.0.0.1,port=1", answering }, // not asked
     };
     for (const auto& [address, state] : cases)
-        EXPECT_EQ(BusProbe(address).wait(state == Answering ? 5s : 20ms), state) << address.constData();
+        EXPECT_EQ(BusProbe(address).wait(state == answering ? 5s : 20ms), state) << address.constData();
 
     BusProbe late("unix:path=" + path);
-    ASSERT_EQ(late.wait(0ms), Silent);
+    ASSERT_EQ(late.wait(0ms), silent);
     QObject::connect(&mute, &QLocalServer::newConnection, &mute, [&] {
         while (QLocalSocket* const socket = mute.nextPendingConnection())
             socket->write("OK\r\n");
     });
-    EXPECT_TRUE(waitFor([&] { return late.wait(0ms) == Answering; }));
+    EXPECT_TRUE(waitFor([&] { return late.wait(0ms) == answering; }));
 }
 
 TEST(ScreenLock, HearsEveryDesktopsOwn)

@@ -56,7 +56,7 @@ BusProbe::BusProbe(const QByteArray& addresses)
             continue;
         const auto path = socketPath(address);
         if (!path) {
-            m_state = State::Answering;
+            m_state = State::answering;
             return;
         }
         m_socket = connectTo(*path);
@@ -64,12 +64,12 @@ BusProbe::BusProbe(const QByteArray& addresses)
             QByteArray(1, '\0') + "AUTH EXTERNAL " + QByteArray::number(::getuid()).toHex() + "\r\n";
         const auto size = static_cast<size_t>(hello.size());
         if (m_socket && ::send(m_socket.get(), hello.constData(), size, MSG_NOSIGNAL) == hello.size()) {
-            m_state = State::Silent;
+            m_state = State::silent;
             return;
         }
         m_socket = FileDescriptor();
         // As many wait already as the socket lets: whoever listens there does not answer.
-        m_state = errno == EAGAIN ? State::Silent : State::Absent;
+        m_state = errno == EAGAIN ? State::silent : State::absent;
     }
 }
 
@@ -79,7 +79,7 @@ BusProbe::State BusProbe::wait(std::chrono::milliseconds limit)
     if (!m_socket || ::poll(&answer, 1, static_cast<int>(limit.count())) != 1)
         return m_state;
     char first = 0;
-    m_state = ::recv(m_socket.get(), &first, 1, 0) == 1 ? State::Answering : State::Absent;
+    m_state = ::recv(m_socket.get(), &first, 1, 0) == 1 ? State::answering : State::absent;
     m_socket = FileDescriptor();
     return m_state;
 }

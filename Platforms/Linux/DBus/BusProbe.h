@@ -11,7 +11,7 @@ namespace kestro {
 /// seconds where it never does, so a bus is asked for its first word before Qt gets to know of it.
 class BusProbe {
 public:
-    enum class State { Silent, Answering, Absent };
+    enum class State { silent, answering, absent };
 
     /// Connects and asks without waiting. An address that is no socket of this computer counts as answering, an empty
     /// one as absent.
@@ -23,7 +23,7 @@ public:
     int descriptor() const { return m_socket.get(); }
 
 private:
-    State m_state = State::Absent;
+    State m_state = State::absent;
     FileDescriptor m_socket;
 };
 

@@ -53,8 +53,8 @@ Buses::Buses()
     , m_systemProbe(m_systemAddress)
 {
     const BusProbe::State state = m_sessionProbe.wait(sessionLimit);
-    m_accessible = state != BusProbe::State::Silent;
-    m_sessionHidden = state != BusProbe::State::Answering;
+    m_accessible = state != BusProbe::State::silent;
+    m_sessionHidden = state != BusProbe::State::answering;
     if (!m_sessionHidden)
         return;
     if (qEnvironmentVariableIsSet(sessionVariable))
@@ -108,7 +108,7 @@ void Buses::listen(BusProbe& probe, std::unique_ptr<QSocketNotifier>& notifier, 
     connect(notifier.get(), &QSocketNotifier::activated, this,
         [&probe, notifier = notifier.get(), answered = std::move(answered)] {
             notifier->setEnabled(false);
-            if (probe.wait(0ms) == BusProbe::State::Answering)
+            if (probe.wait(0ms) == BusProbe::State::answering)
                 answered();
         });
 }

@@ -68,7 +68,7 @@ Look read(const QMap<QString, QVariantMap>& settings, const Look& fallback)
 {
     Look look = fallback;
     const QVariantMap appearance = settings.value(appearanceGroup);
-    enum Scheme : uint { None, Dark, Light };
+    enum Scheme : uint { NoPreference, Dark, Light };
     const uint scheme = appearance.value(QStringLiteral("color-scheme")).toUInt();
     if (scheme == Dark || scheme == Light)
         look.dark = scheme == Dark;

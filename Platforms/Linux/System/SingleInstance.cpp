@@ -109,13 +109,13 @@ bool SingleInstance::claim()
     const QDeadlineTimer limit(longestWait);
     do {
         switch (tryLock()) {
-        case Lock::Taken:
+        case Lock::taken:
             listen();
             holdName();
             return true;
-        case Lock::Impossible:
+        case Lock::impossible:
             return holdName() || !tellByName();
-        case Lock::Held:
+        case Lock::held:
             if (tellFirst())
                 return false;
         }
@@ -131,12 +131,12 @@ SingleInstance::Lock SingleInstance::tryLock()
     FileDescriptor file(::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
     if (file && ::flock(file.get(), LOCK_EX | LOCK_NB) == 0) {
         m_lock = std::move(file);
-        return Lock::Taken;
+        return Lock::taken;
     }
     if (errno == EWOULDBLOCK)
-        return Lock::Held;
+        return Lock::held;
     m_log.write(QStringLiteral("Kestro: couldn't lock %1: %2").arg(QFile::decodeName(path), PosixError::reason(errno)));
-    return Lock::Impossible;
+    return Lock::impossible;
 }
 
 bool SingleInstance::tellFirst() const

@@ -32,7 +32,7 @@ Q_SIGNALS:
     void secondStart(); ///< somebody started the program again
 
 private:
-    enum class Lock { Taken, Held, Impossible };
+    enum class Lock { taken, held, impossible };
     Lock tryLock();
     bool tellFirst() const;
     bool tellByName() const;

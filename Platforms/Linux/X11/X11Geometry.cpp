@@ -9,9 +9,9 @@ namespace kestro::x11 {
 
 namespace {
 
-constexpr int kLargest = std::numeric_limits<qint16>::max(); // of every coordinate in the protocol
+constexpr int largestCoordinate = std::numeric_limits<qint16>::max(); // of every coordinate in the protocol
 
-int toPixel(quint32 value) { return static_cast<int>(std::min<quint32>(value, kLargest)); }
+int toPixel(quint32 value) { return static_cast<int>(std::min<quint32>(value, largestCoordinate)); }
 
 bool spans(const Strut::Edge& edge, int first, int last)
 {
@@ -24,7 +24,8 @@ bool cuts(int bound, int first, int last) { return bound > first && bound <= las
 
 qint16 clampedPosition(double value)
 {
-    return static_cast<qint16>(std::clamp<double>(std::round(value), std::numeric_limits<qint16>::min(), kLargest));
+    return static_cast<qint16>(
+        std::clamp<double>(std::round(value), std::numeric_limits<qint16>::min(), largestCoordinate));
 }
 
 int distance(const QRect& rect, QPoint point)
@@ -50,7 +51,7 @@ Strut Strut::fromProperty(std::span<const quint32> values)
     Edge* const edges[] = { &strut.left, &strut.right, &strut.top, &strut.bottom };
     for (std::size_t i = 0; i < 4; ++i) {
         edges[i]->depth = toPixel(values[i]);
-        edges[i]->end = kLargest;
+        edges[i]->end = largestCoordinate;
         if (values.size() == 12) {
             edges[i]->start = toPixel(values[4 + 2 * i]);
             edges[i]->end = toPixel(values[5 + 2 * i]);

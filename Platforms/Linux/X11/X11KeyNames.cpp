@@ -13,7 +13,7 @@ struct Row {
     std::initializer_list<quint32> codes; ///< of the keys 01, 02 and on
 };
 
-constexpr quint32 kNone = ~0U;
+constexpr quint32 noKey = ~0U;
 
 QByteArray inRow(const char* prefix, int number) { return prefix + QByteArray::number(number).rightJustified(2, '0'); }
 
@@ -25,7 +25,7 @@ QHash<quint32, QByteArray> namedKeys()
         { "AC", { 0, 1, 2, 3, 5, 4, 38, 40, 37, 41, 39 } },
         { "AB", { 6, 7, 8, 9, 11, 45, 46, 43, 47, 44 } },
         // What stands where 13 to 15 are looked for is named below.
-        { "FK", { 122, 120, 99, 118, 96, 97, 98, 100, 101, 109, 103, 111, kNone, kNone, kNone, 106, 64, 79, 80, 90 } },
+        { "FK", { 122, 120, 99, 118, 96, 97, 98, 100, 101, 109, 103, 111, noKey, noKey, noKey, 106, 64, 79, 80, 90 } },
     };
     QHash<quint32, QByteArray> names = { { 50, "TLDE" }, { 42, "BKSL" }, { 10, "LSGT" }, { 49, "SPCE" }, { 36, "RTRN" },
         { 48, "TAB" }, { 51, "BKSP" }, { 53, "ESC" }, { 110, "COMP" }, { 105, "PRSC" }, { 107, "SCLK" },
@@ -38,7 +38,7 @@ QHash<quint32, QByteArray> namedKeys()
         int number = 0;
         for (const quint32 code : row.codes) {
             ++number;
-            if (code != kNone)
+            if (code != noKey)
                 names.insert(code, inRow(row.prefix, number));
         }
     }

@@ -13,9 +13,9 @@ namespace kestro {
 
 namespace {
 
-constexpr int kFirstFlag = 17;
-constexpr uint16_t kAllNamesOfKeys = XCB_XKB_NAME_DETAIL_KEY_NAMES | XCB_XKB_NAME_DETAIL_KEY_ALIASES;
-constexpr xcb_keysym_t kNumLock = 0xff7f;
+constexpr int firstFlag = 17;
+constexpr uint16_t allNamesOfKeys = XCB_XKB_NAME_DETAIL_KEY_NAMES | XCB_XKB_NAME_DETAIL_KEY_ALIASES;
+constexpr xcb_keysym_t numLock = 0xff7f;
 
 struct Modifier {
     quint32 inCombo;
@@ -23,7 +23,7 @@ struct Modifier {
 };
 
 /// In the order of the flags: ⇧, ⌃, ⌥, ⌘.
-constexpr std::array<Modifier, 4> kModifiers = { { { KeyCombo::shift, { 0xffe1, 0xffe2 } },
+constexpr std::array<Modifier, 4> modifierKeysyms = { { { KeyCombo::shift, { 0xffe1, 0xffe2 } },
     { KeyCombo::control, { 0xffe3, 0xffe4 } }, { KeyCombo::option, { 0xffe9, 0xffea } },
     { KeyCombo::command, { 0xffeb, 0xffec } } } };
 
@@ -95,7 +95,7 @@ void X11Keyboard::read()
 QHash<QByteArray, xcb_keycode_t> X11Keyboard::namedKeys()
 {
     const auto reply = m_connection.reply(
-        xcb_xkb_get_names_reply, xcb_xkb_get_names(m_connection.raw(), XCB_XKB_ID_USE_CORE_KBD, kAllNamesOfKeys));
+        xcb_xkb_get_names_reply, xcb_xkb_get_names(m_connection.raw(), XCB_XKB_ID_USE_CORE_KBD, allNamesOfKeys));
     if (!reply)
         return {};
     xcb_xkb_get_names_value_list_t list = {};
@@ -143,12 +143,12 @@ void X11Keyboard::readModifiers(const QHash<QByteArray, xcb_keycode_t>& named)
         const xcb_keysym_t* begin = all + (carriers[i] - setup->min_keycode) * symbols->keysyms_per_keycode;
         const xcb_keysym_t* end = begin + symbols->keysyms_per_keycode;
         const auto carries = [&](xcb_keysym_t wanted) { return std::find(begin, end, wanted) != end; };
-        for (std::size_t m = 0; m < kModifiers.size(); ++m) {
-            const auto& keysyms = kModifiers[m].keysyms;
+        for (std::size_t m = 0; m < modifierKeysyms.size(); ++m) {
+            const auto& keysyms = modifierKeysyms[m].keysyms;
             if (!m_modifiers[m] && std::any_of(keysyms.begin(), keysyms.end(), carries))
                 m_modifiers[m] = bit;
         }
-        if (carries(kNumLock))
+        if (carries(numLock))
             m_numLock = bit;
     }
 }
@@ -158,8 +158,8 @@ std::optional<X11KeyPlace> X11Keyboard::placeOf(const KeyCombo& combo) const
     X11KeyPlace place = { m_keys.value(combo.keyCode), 0 };
     if (!place.key)
         return std::nullopt;
-    for (std::size_t m = 0; m < kModifiers.size(); ++m) {
-        if (!(combo.modifiers & kModifiers[m].inCombo))
+    for (std::size_t m = 0; m < modifierKeysyms.size(); ++m) {
+        if (!(combo.modifiers & modifierKeysyms[m].inCombo))
             continue;
         if (!m_modifiers[m])
             return std::nullopt;
@@ -179,7 +179,7 @@ quint64 X11Keyboard::flagsOf(uint16_t state) const
     quint64 flags = 0;
     for (std::size_t m = 0; m < m_modifiers.size(); ++m) {
         if (state & m_modifiers[m])
-            flags |= quint64(1) << (kFirstFlag + m);
+            flags |= quint64(1) << (firstFlag + m);
     }
     return flags;
 }

@@ -12,11 +12,11 @@ namespace kestro::x11 {
 
 namespace {
 
-constexpr uint32_t kAllDesktops = 0xFFFFFFFF;
-constexpr uint32_t kStateAdd = 1;
-constexpr uint32_t kFromApplication = 1;
+constexpr uint32_t allDesktops = 0xFFFFFFFF;
+constexpr uint32_t stateAdd = 1;
+constexpr uint32_t fromApplication = 1;
 
-constexpr std::array kPanelStates = { "_NET_WM_STATE_ABOVE", "_NET_WM_STATE_STICKY", "_NET_WM_STATE_SKIP_TASKBAR",
+constexpr std::array panelStates = { "_NET_WM_STATE_ABOVE", "_NET_WM_STATE_STICKY", "_NET_WM_STATE_SKIP_TASKBAR",
     "_NET_WM_STATE_SKIP_PAGER" };
 
 xcb_connection_t* qtConnection()
@@ -66,11 +66,11 @@ void writePanelHints(X11Connection& atoms, const QWindow& window)
     if (!qtConnection() || id == XCB_NONE)
         return;
     QList<xcb_atom_t> states;
-    for (const char* state : kPanelStates)
+    for (const char* state : panelStates)
         states.push_back(atoms.atom(state));
     replace(id, atoms.atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, QList{ atoms.atom("_NET_WM_WINDOW_TYPE_DOCK") });
     replace(id, atoms.atom("_NET_WM_STATE"), XCB_ATOM_ATOM, states);
-    replace(id, atoms.atom("_NET_WM_DESKTOP"), XCB_ATOM_CARDINAL, QList<uint32_t>{ kAllDesktops });
+    replace(id, atoms.atom("_NET_WM_DESKTOP"), XCB_ATOM_CARDINAL, QList<uint32_t>{ allDesktops });
     // Qt says itself that a panel takes no input, but it offers WM_TAKE_FOCUS for every window, and a window manager
     // may call one active to which it has sent that.
     replace(id, atoms.atom("WM_PROTOCOLS"), XCB_ATOM_ATOM,
@@ -82,11 +82,11 @@ void requestPanelStates(X11Connection& atoms, const QWindow& window)
     const xcb_window_t id = windowId(window);
     if (!qtConnection() || id == XCB_NONE)
         return;
-    for (std::size_t i = 0; i < kPanelStates.size(); i += 2) {
+    for (std::size_t i = 0; i < panelStates.size(); i += 2) {
         askWindowManager(atoms, id, "_NET_WM_STATE",
-            { kStateAdd, atoms.atom(kPanelStates[i]), atoms.atom(kPanelStates[i + 1]), kFromApplication, 0 });
+            { stateAdd, atoms.atom(panelStates[i]), atoms.atom(panelStates[i + 1]), fromApplication, 0 });
     }
-    askWindowManager(atoms, id, "_NET_WM_DESKTOP", { kAllDesktops, kFromApplication, 0, 0, 0 });
+    askWindowManager(atoms, id, "_NET_WM_DESKTOP", { allDesktops, fromApplication, 0, 0, 0 });
     xcb_flush(qtConnection());
 }
 

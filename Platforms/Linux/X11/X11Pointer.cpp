@@ -10,9 +10,9 @@ namespace kestro {
 
 namespace {
 
-constexpr int kFrameMilliseconds = 8;
+constexpr int frameMilliseconds = 8;
 // A slow hand pauses between two pixels: following a little longer is cheaper than subscribing anew each time.
-constexpr int kStillFramesToRest = 4;
+constexpr int stillFramesToRest = 4;
 
 } // namespace
 
@@ -38,7 +38,7 @@ X11Pointer::X11Pointer(X11Connection& connection, const X11Screens& screens)
     , m_screens(screens)
 {
     m_frame.setTimerType(Qt::PreciseTimer);
-    m_frame.setInterval(kFrameMilliseconds);
+    m_frame.setInterval(frameMilliseconds);
     QObject::connect(&m_frame, &QTimer::timeout, &m_context, [this] { tick(); });
 
     const auto* input = connection.extension(xcb_input_id);
@@ -74,8 +74,8 @@ std::unique_ptr<PointerWatch> X11Pointer::watch(std::function<void()> moved)
 {
     auto watch = std::make_unique<Watch>(*this, std::move(moved));
     m_watches.push_back(watch.get());
-    if (m_state == State::Off) {
-        enter(State::Armed);
+    if (m_state == State::off) {
+        enter(State::armed);
         m_told = pixel().value_or(m_told);
     }
     return watch;
@@ -85,7 +85,7 @@ void X11Pointer::leave(Watch* watch)
 {
     m_watches.removeOne(watch);
     if (m_watches.isEmpty())
-        enter(State::Off);
+        enter(State::off);
 }
 
 void X11Pointer::subscribe(bool on)
@@ -110,12 +110,12 @@ void X11Pointer::enter(State state)
 {
     if (state == m_state)
         return;
-    const bool wasArmed = m_state == State::Armed;
+    const bool wasArmed = m_state == State::armed;
     m_state = state;
-    if (wasArmed || state == State::Armed)
-        subscribe(state == State::Armed);
+    if (wasArmed || state == State::armed)
+        subscribe(state == State::armed);
     m_stillFrames = 0;
-    if (state == State::Following)
+    if (state == State::following)
         m_frame.start();
     else
         m_frame.stop();
@@ -123,9 +123,9 @@ void X11Pointer::enter(State state)
 
 void X11Pointer::wake()
 {
-    if (m_state != State::Armed)
+    if (m_state != State::armed)
         return; // raw events that were under way when the subscription ended
-    enter(State::Following);
+    enter(State::following);
     tellIfMoved();
 }
 
@@ -135,12 +135,12 @@ void X11Pointer::tick()
         m_stillFrames = 0;
         return;
     }
-    if (++m_stillFrames < kStillFramesToRest)
+    if (++m_stillFrames < stillFramesToRest)
         return;
-    enter(State::Armed);
+    enter(State::armed);
     // Asked after the subscription: what moved in between raised no event that reaches us.
-    if (tellIfMoved() && m_state == State::Armed)
-        enter(State::Following);
+    if (tellIfMoved() && m_state == State::armed)
+        enter(State::following);
 }
 
 bool X11Pointer::tellIfMoved()

@@ -30,9 +30,9 @@ public:
 private:
     class Watch;
     enum class State {
-        Off, ///< nobody watches
-        Armed, ///< the next raw event wakes
-        Following ///< asking once a frame
+        off, ///< nobody watches
+        armed, ///< the next raw event wakes
+        following ///< asking once a frame
     };
 
     std::optional<QPoint> pixel() const;
@@ -48,7 +48,7 @@ private:
     bool m_hasRawEvents = false;
     QObject m_context;
     QTimer m_frame;
-    State m_state = State::Off;
+    State m_state = State::off;
     int m_stillFrames = 0;
     bool m_telling = false;
     QPoint m_told;

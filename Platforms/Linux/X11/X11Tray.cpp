@@ -13,8 +13,8 @@ namespace kestro {
 
 namespace {
 
-constexpr uint16_t kFirstSide = 22; // and the least that is asked for; the panel gives its own
-constexpr uint32_t kRequestDock = 0;
+constexpr uint16_t firstSide = 22; // and the least that is asked for; the panel gives its own
+constexpr uint32_t requestDock = 0;
 
 QByteArray selectionName(const X11Connection& connection)
 {
@@ -117,7 +117,7 @@ void X11Tray::dock()
     request.window = tray;
     request.type = m_connection.atom("_NET_SYSTEM_TRAY_OPCODE");
     request.data.data32[0] = XCB_CURRENT_TIME;
-    request.data.data32[1] = kRequestDock;
+    request.data.data32[1] = requestDock;
     request.data.data32[2] = m_window;
     xcb_send_event(m_connection.raw(), false, tray, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char*>(&request));
     m_connection.flush();
@@ -159,7 +159,7 @@ void X11Tray::createWindow(const Visual& visual)
 {
     auto* const raw = m_connection.raw();
     m_visual = visual;
-    m_size = QSize(kFirstSide, kFirstSide);
+    m_size = QSize(firstSide, firstSide);
     m_colours = xcb_generate_id(raw);
     xcb_create_colormap(raw, XCB_COLORMAP_ALLOC_NONE, m_colours, m_connection.root(), visual.id);
     m_window = xcb_generate_id(raw);
@@ -169,13 +169,13 @@ void X11Tray::createWindow(const Visual& visual)
     const uint32_t unmanaged = 1;
     if (visual.isTransparent) {
         const uint32_t values[] = { 0, 0, unmanaged, events, m_colours };
-        xcb_create_window(raw, visual.depth, m_window, m_connection.root(), 0, 0, kFirstSide, kFirstSide, 0,
+        xcb_create_window(raw, visual.depth, m_window, m_connection.root(), 0, 0, firstSide, firstSide, 0,
             XCB_WINDOW_CLASS_INPUT_OUTPUT, visual.id,
             XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK | XCB_CW_COLORMAP,
             values);
     } else {
         const uint32_t values[] = { XCB_BACK_PIXMAP_PARENT_RELATIVE, unmanaged, events, m_colours };
-        xcb_create_window(raw, visual.depth, m_window, m_connection.root(), 0, 0, kFirstSide, kFirstSide, 0,
+        xcb_create_window(raw, visual.depth, m_window, m_connection.root(), 0, 0, firstSide, firstSide, 0,
             XCB_WINDOW_CLASS_INPUT_OUTPUT, visual.id,
             XCB_CW_BACK_PIXMAP | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK | XCB_CW_COLORMAP, values);
     }
@@ -202,7 +202,7 @@ void X11Tray::describeWindow()
     const uint32_t versionAndMapped[] = { 0, 1 };
     xcb_change_property(raw, XCB_PROP_MODE_REPLACE, m_window, info, info, 32, 2, versionAndMapped);
     xcb_size_hints_t hints = {};
-    xcb_icccm_size_hints_set_min_size(&hints, kFirstSide, kFirstSide);
+    xcb_icccm_size_hints_set_min_size(&hints, firstSide, firstSide);
     xcb_icccm_set_wm_normal_hints(raw, m_window, &hints);
 }
 

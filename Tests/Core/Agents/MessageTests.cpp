@@ -167,11 +167,11 @@ TEST(MessageFramer, TellsTheEndWithItsLastByte)
     const QByteArray message("agent=claude\n{\"session_id\":\"}\",\"hook_event_name\":\"Stop\",\"x\":{\"y\":[]}}");
     MessageFramer framer;
     for (qsizetype at = 0; at + 1 < message.size(); ++at)
-        ASSERT_EQ(framer.feed(QByteArrayView(message).sliced(at, 1)), State::Reading) << at;
-    EXPECT_EQ(framer.feed("}"), State::Complete);
-    EXPECT_EQ(framer.feed("\n \t"), State::Complete);
+        ASSERT_EQ(framer.feed(QByteArrayView(message).sliced(at, 1)), State::reading) << at;
+    EXPECT_EQ(framer.feed("}"), State::complete);
+    EXPECT_EQ(framer.feed("\n \t"), State::complete);
     EXPECT_TRUE(framer.message());
-    EXPECT_EQ(framer.feed("x"), State::Invalid);
+    EXPECT_EQ(framer.feed("x"), State::invalid);
     EXPECT_FALSE(framer.message());
 }
 
@@ -188,7 +188,7 @@ TEST(MessageFramer, GivesUpAtOnceAndHoldsNothing)
         SCOPED_TRACE(name);
         MessageFramer framer;
         for (const QByteArray& part : { bytes, QByteArray("{}") }) {
-            EXPECT_EQ(framer.feed(part), State::Invalid);
+            EXPECT_EQ(framer.feed(part), State::invalid);
             EXPECT_EQ(framer.size(), 0);
         }
     }
@@ -203,7 +203,7 @@ TEST(MessageFramer, EndsAtItsSize)
         QByteArray message = head;
         message.append(maxBytes + over - head.size() - 2, 'x').append("\"}");
         MessageFramer framer(maxBytes);
-        EXPECT_EQ(framer.feed(message), over ? State::Invalid : State::Complete);
+        EXPECT_EQ(framer.feed(message), over ? State::invalid : State::complete);
         EXPECT_EQ(framer.message().has_value(), !over);
         EXPECT_EQ(framer.room(), 0);
     }
