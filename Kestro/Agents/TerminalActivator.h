@@ -17,7 +17,8 @@ class PeerInspector;
 struct CommandResult;
 struct Platform;
 
-/// Brings the terminal window in which a session runs to the front, also through tmux. Main thread; it waits for nothing.
+/// Brings the terminal window in which a session runs to the front, also through tmux. Main thread; it waits for
+/// nothing.
 class TerminalActivator final : public QObject {
     Q_OBJECT
 public:
