@@ -30,7 +30,7 @@ int run(const Folders& folders, SingleInstance& instance, Buses& buses, Log& log
     delegate.applicationDidFinishLaunching();
     const int status = QGuiApplication::exec();
     delegate.applicationWillTerminate();
-    // From here on objects are destroyed, and nothing waits long for one that hangs.
+    // From here on objects are destroyed, with a limit for a destructor that hangs.
     EndWatchdog::allSaved();
     return status;
 }

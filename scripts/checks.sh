@@ -72,7 +72,7 @@ check_words() {
     return "$failed"
 }
 
-# Whoever waits, waits for the thing itself; the harness has the one place that lets a moment pass between two looks.
+# Code waits for the thing itself; the harness has the one place that lets a moment pass between two looks.
 # Excepted: X11KeyboardGrabs, which retries a grab that way still, and SocketLoad, which stands idle to be measured.
 check_sleeps() {
     search 'qSleep|qWait\(|QThread::[mu]?sleep|\bmsleep\(|sleep_for|sleep_until|\b(u|nano|clock_nano)?sleep\(' \

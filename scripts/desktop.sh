@@ -120,7 +120,7 @@ desktop_close() {
     desktop_pids=()
 }
 
-# desktop_remove: the folder too. What the buses had started may still write there for a moment.
+# desktop_remove: the folder too. Services that the buses started may still write there for a moment.
 desktop_remove() {
     [ -n "$desktop_folder" ] || return 0
     cd / || return 1

@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# What Kestro needs from Debian, and the one function that sees to it. Sourced by ./run and ./test.
+# The Debian packages that Kestro needs, and the function that installs them. Sourced by ./run and ./test.
 
 # To build and to run.
 build_packages=(

@@ -18,7 +18,7 @@ Rectangle {
     Accessible.name: "AI"
     Component.onCompleted: sessions.forceActiveFocus()
 
-    // What is left of a limit's time is told in minutes.
+    // The time that is left of a limit is told in minutes.
     onSeenChanged: if (seen) limits.refreshTimes()
     Timer {
         interval: 60000

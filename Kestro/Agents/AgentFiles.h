@@ -18,7 +18,7 @@ class MainLoop;
 class AgentFiles final : public QObject {
     Q_OBJECT
 public:
-    /// What could not be done, a line each; on the main thread.
+    /// Failures, a line each; on the main thread.
     using Done = std::function<void(const QStringList& errors)>;
 
     /// `home` is the user's home folder. `loop` must outlive it.

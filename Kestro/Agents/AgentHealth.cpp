@@ -93,7 +93,7 @@ void AgentHealth::look(Agent agent)
     }
 }
 
-/// A file is removed when the socket is opened; a folder is not, since somebody may need what is in it.
+/// A file is removed when the socket is opened; a folder is not, since its content may be needed.
 void AgentHealth::lookAtSocket()
 {
     const QFileInfo place(m_socket);

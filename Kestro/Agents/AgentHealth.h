@@ -96,7 +96,7 @@ private:
     Log& m_log;
     QString m_home;
     QString m_socket;
-    /// What the user is told of a file or folder in the socket's place; empty where there is none.
+    /// The sentence about a file or folder in the socket's place; empty where there is none.
     QString m_obstacle;
     Date m_since; ///< when we began to listen
     std::array<State, allAgents.size()> m_states;

@@ -14,7 +14,7 @@ namespace kestro {
 class MainLoop;
 class PeerInspector;
 
-/// The agents' socket while somebody wants to hear of them. Main thread.
+/// The agents' socket while a feature needs it. Main thread.
 class AgentIntake final : public QObject {
     Q_OBJECT
 public:
@@ -36,7 +36,7 @@ private:
         SocketMessage message;
         HookOrigin origin;
     };
-    /// What has come since the main loop last looked. The loop may stand still for long, a hook must not wait for it,
+    /// Messages that the main loop has not taken yet. The loop may stand still for long, a hook must not wait for it,
     /// and what comes must not fill the memory meanwhile. So beyond `mostEvents` the oldest event is dropped: what a
     /// session does is told by its newest. Of limits only the newest are kept, since they replace the ones before.
     class Mailbox {

@@ -18,7 +18,7 @@ void AgentProcesses::handleEvent(const QString& id, const HookOrigin& origin)
 {
     std::vector<ProcessId> candidates = agentCandidates(origin);
     if (candidates.empty())
-        return; // it cannot be seen this time; who was known stays known
+        return; // not visible this time; the known candidates stay
     std::vector<ProcessId>& known = m_candidates[id];
     if (known == candidates)
         return;

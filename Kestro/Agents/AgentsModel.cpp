@@ -173,7 +173,7 @@ void AgentsModel::forgetEndedSessions()
     m_terminals.prune(lives);
 }
 
-/// The ages in the rows change each second. While nobody sees them, the next moment that matters may be far.
+/// The ages in the rows change each second. While no view shows them, the next moment that matters may be far.
 void AgentsModel::scheduleTick()
 {
     const auto next = m_store.nextChange(m_now);

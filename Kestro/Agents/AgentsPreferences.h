@@ -2,7 +2,7 @@
 
 #include "Kestro/Preferences/Preference.h"
 
-/// What is stored of the agents: which are watched, and whether their limits are.
+/// The agents' preferences: which are watched, and whether their limits are.
 namespace kestro::prefs {
 
 inline constexpr Preference<bool> agentsEnabled{ QLatin1StringView("agentsEnabled"), false };

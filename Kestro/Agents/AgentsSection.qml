@@ -9,7 +9,7 @@ Pane {
     readonly property var limits: subject.limits
     readonly property var health: subject.health
 
-    // What went wrong with the section above.
+    // Failures of the section above.
     component Errors: Column {
         property alias lines: messages.model
 

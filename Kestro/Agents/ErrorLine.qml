@@ -1,7 +1,7 @@
 import QtQuick
 import Kestro.Style
 
-/// What went wrong, in one line above the rows that it concerns.
+/// A failure, in one line above the rows that it concerns.
 Label {
     height: Theme.rowHeight
     leftPadding: 8

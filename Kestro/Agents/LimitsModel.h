@@ -43,7 +43,7 @@ public:
     void setSocketFailed(bool failed);
     QStringList errorLines() const;
 
-    /// What Claude Code has told of its limits just now.
+    /// The limits that Claude Code has just sent.
     void setClaudeLimits(AgentLimits limits);
     /// Reads Codex's logs, off the main thread.
     void refreshCodexLimits();

@@ -134,7 +134,7 @@ void TerminalActivator::raiseWindow(const Attempt& attempt, const HookOrigin& te
     setLost(attempt.session, raised ? QString() : QStringLiteral("no window"));
 }
 
-/// What is left of its ancestors: a number may belong to another process by now.
+/// Its ancestors that still run: a PID may have been reused.
 HookOrigin TerminalActivator::stillThere(HookOrigin origin) const
 {
     std::erase_if(origin.ancestors, [this](const ProcessInfo& each) {

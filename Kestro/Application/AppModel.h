@@ -17,7 +17,7 @@
 
 namespace kestro {
 
-/// The one long-lived object that owns every feature and what they share. It only constructs; `start` brings things to
+/// The long-lived object that owns every feature and their shared state. It only constructs; `start` brings things to
 /// life. Main thread.
 class AppModel final : public QObject {
     Q_OBJECT
@@ -35,7 +35,7 @@ public:
     /// Once, when the process is about to end: what waits to be saved is saved.
     void finish();
 
-    // What the surfaces show and write
+    // State that the surfaces show and write
     bool expanded() const { return m_host.surface.expanded(); }
     void setExpanded(bool expanded) { m_host.surface.setExpanded(expanded); }
     std::optional<WidgetKind> selectedWidget() const { return m_host.surface.selectedWidget(); }
@@ -46,7 +46,7 @@ public:
     QList<WidgetKind> visibleWidgets() const { return m_items.visibleWidgets(); }
     std::optional<WidgetKind> shownWidget() const { return m_items.shown(); }
 
-    // What they all share, and each feature
+    // Shared state, then each feature
     SurfaceState& surface() { return m_host.surface; }
     LauncherModel& launcher() { return m_launcher; }
     WidgetItems& items() { return m_items; }

@@ -15,7 +15,7 @@ bool isAllowed(QSize size)
     return size.isValid() && size.width() <= faviconImage::maxSide && size.height() <= faviconImage::maxSide;
 }
 
-// What the frame itself says of its size, which the file's directory cannot be trusted with: 256 pixels there
+// The frame's own size; the file's directory cannot be trusted with it: 256 pixels there
 // may be 20,000 in the picture, and the reader would make room for them.
 QSize iconFrameSize(const QByteArray& bytes, int index)
 {

@@ -8,7 +8,7 @@
 
 namespace kestro {
 
-/// What came back from a fetch. With an `error` (plain words) the rest is void.
+/// The result of a fetch. With an `error` (plain words) the rest is void.
 struct FetchResult {
     QString error;
     int status = 0; ///< HTTP status

@@ -23,7 +23,7 @@ public:
 Q_SIGNALS:
     /// Once for a press, however long the key is held.
     void pressed(quint32 id);
-    /// Keys came, went or moved. What is registered has been carried over; what was refused may be tried again.
+    /// Keys came, went or moved. Registered shortcuts have been carried over; refused ones may be tried again.
     void keyboardChanged();
 };
 

@@ -10,7 +10,7 @@ class LoginItem : public QObject {
     Q_OBJECT
 public:
     virtual bool isEnabled() const = 0;
-    /// What went wrong, in plain words, else nothing.
+    /// The failure in plain words, else nothing.
     virtual std::optional<QString> setEnabled(bool enabled) = 0;
 
 Q_SIGNALS:

@@ -11,7 +11,7 @@ namespace kestro {
 /// doing so from inside the work itself is allowed.
 class Scheduled {
 public:
-    /// What a loop keeps behind a handle; its destructor takes the work back.
+    /// The loop's side of a handle; its destructor cancels the work.
     class Token {
     public:
         virtual ~Token() = default;
@@ -47,7 +47,7 @@ public:
     [[nodiscard]] virtual WorkItem after(double seconds, Work work) = 0;
     /// Runs `work` every `seconds`, first after one interval.
     [[nodiscard]] virtual Timer every(double seconds, Work work) = 0;
-    /// Runs `work` on the main thread on a later turn; from any thread. What is posted after the loop has ended is
+    /// Runs `work` on the main thread on a later turn; from any thread. Work posted after the loop has ended is
     /// dropped.
     virtual void post(Work work) = 0;
 };

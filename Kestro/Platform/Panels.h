@@ -7,7 +7,7 @@ class QWindow;
 
 namespace kestro {
 
-/// What makes a plain window a panel: above the others, on all desktops, in no task bar, never focused.
+/// Turns a plain window into a panel: above the others, on all desktops, in no task bar, never focused.
 /// Main thread. Windows stay their owner's; each is adopted once, before it is first shown.
 class Panels : public QObject {
     Q_OBJECT
@@ -22,7 +22,7 @@ public:
     /// Gives the keyboard to a panel that is on the screen, which its window is otherwise never given, and remembers
     /// who had it.
     virtual void takeFocus(QWindow& window) = 0;
-    /// Gives the keyboard back to who had it, if `window` still has it and they are still there.
+    /// Gives the keyboard back to the window that had it, if `window` still has it and that window still exists.
     virtual void returnFocus(QWindow& window) = 0;
 
     /// Whether translucent windows can be seen through.

@@ -13,7 +13,7 @@ public:
     virtual ~ProcessWatch() = default;
 };
 
-/// Who is at the other end of a socket, and whose child that is. It only reads; nothing of it is logged.
+/// The process at the other end of a socket, and its ancestors. It only reads; nothing of it is logged.
 class PeerInspector {
 public:
     virtual ~PeerInspector() = default;

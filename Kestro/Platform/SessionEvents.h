@@ -4,7 +4,7 @@
 
 namespace kestro {
 
-/// What happens to the machine and the user's session. Main thread; a session manager that is not there tells nothing.
+/// Events of the machine and the user's session. Main thread; without a session manager there are none.
 class SessionEvents : public QObject {
     Q_OBJECT
 Q_SIGNALS:

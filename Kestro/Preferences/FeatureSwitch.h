@@ -31,7 +31,8 @@ private:
     QHash<QString, FeatureSwitch*> m_switches;
 };
 
-/// What the user turns on and off, stored under a preference key. Its feature reacts to `changed`. Main thread.
+/// A switch that the user turns on and off, stored under a preference key. Its feature reacts to `changed`. Main
+/// thread.
 class FeatureSwitch final : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool on READ isOn WRITE turn NOTIFY changed)

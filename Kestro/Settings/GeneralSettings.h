@@ -8,7 +8,7 @@ namespace kestro {
 
 class LoginItem;
 
-/// What the General pane shows: whether the program starts with the session, and which version this is. Main thread.
+/// The General pane's state: whether the program starts with the session, and which version this is. Main thread.
 class GeneralSettings final : public QObject {
     Q_OBJECT
     QML_ANONYMOUS

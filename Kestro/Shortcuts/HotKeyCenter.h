@@ -30,8 +30,8 @@ public:
     ShortcutTable combos() const;
     bool isPaused() const { return m_paused; }
 
-    /// A recorder begins: whoever records already is stopped, and all shortcuts rest. `stop` is called if another
-    /// begins.
+    /// A recorder begins: a recorder that is already active is stopped, and all shortcuts are paused. `stop` is called
+    /// if another begins.
     void beginRecording(Action stop);
     /// The recorder is done: the shortcuts are live again. A sentence for the user about those that are not.
     std::optional<QString> endRecording();

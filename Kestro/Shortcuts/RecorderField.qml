@@ -12,7 +12,7 @@ Item {
     implicitWidth: 176
     implicitHeight: record.implicitHeight
 
-    // Whoever records holds the keyboard of the whole desktop: not for longer than the user looks at it. That the
+    // A recorder holds the keyboard of the whole desktop: not for longer than the user looks at it. That the
     // window is no longer active says nothing, since a held keyboard alone makes it so.
     Component.onDestruction: recorder?.stop()
     onVisibleChanged: if (!visible) recorder.stop()

@@ -15,7 +15,7 @@ class SessionEvents;
 class ShortcutRecorder;
 class ShortcutSource;
 
-/// The one table of global shortcuts: what the sources have stored, kept in line with what is live. Main thread.
+/// The table of global shortcuts: keeps the live ones in line with those that the sources have stored. Main thread.
 class ShortcutAssignments final : public QObject {
     Q_OBJECT
 public:
@@ -37,7 +37,7 @@ public:
     /// Stores `combo`, or that there is none, and makes it live if its owner is. The message where it cannot be.
     std::optional<QString> set(const std::optional<KeyCombo>& combo, const ShortcutOwner& owner);
     /// Makes live what should be and is not, and the reverse: to be called when an owner came, went, or was switched.
-    /// What was refused rests until the keyboard changes.
+    /// Refused shortcuts are not tried again until the keyboard changes.
     void sync();
     /// A control for the shortcut of `owner`, which follows what is stored.
     std::unique_ptr<ShortcutRecorder> makeRecorder(const ShortcutOwner& owner);

@@ -55,7 +55,7 @@ void ShortcutRecorder::toggle()
 
 void ShortcutRecorder::start()
 {
-    // First, since whoever records already gives up the keyboard that is asked for here.
+    // First, since another active recorder gives up the keyboard that is asked for here.
     m_center.beginRecording([this] { stopMonitor(); });
     m_hold =
         m_keyboard.hold([this](const KeyPress& press) { handle(press); }, [this] { stop(); }, [this] { refuse(); });

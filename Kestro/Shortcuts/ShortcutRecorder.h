@@ -20,7 +20,7 @@ class SessionEvents;
 class ShortcutRecorder final : public QObject {
     Q_OBJECT
     QML_ANONYMOUS
-    /// What the control says: the combination, "Record Shortcut" without one, "Type shortcut…" while recording.
+    /// The control's text: the combination, "Record Shortcut" without one, "Type shortcut…" while recording.
     Q_PROPERTY(QString label READ label NOTIFY changed)
     Q_PROPERTY(bool recording READ isRecording NOTIFY changed)
     Q_PROPERTY(bool hasCombo READ hasCombo NOTIFY changed)
@@ -39,7 +39,7 @@ public:
     bool isRecording() const { return bool(m_hold); }
     bool hasCombo() const { return m_combo.has_value(); }
     QString error() const { return m_error; }
-    /// What is stored changed elsewhere.
+    /// The stored combination was changed elsewhere.
     void setCombo(const Combo& combo);
 
     /// A click: begins to record, or stops.

@@ -9,7 +9,7 @@ namespace kestro {
 
 class PreferenceStore;
 
-/// The shortcuts of one family: who can have one, where they are stored, what they do. Main thread.
+/// The shortcuts of one family: their owners, their storage, their effect. Main thread.
 class ShortcutSource {
 public:
     virtual ~ShortcutSource() = default;
@@ -19,7 +19,7 @@ public:
     virtual QString section() const = 0;
     /// Everything that can have a shortcut now, in the order in which Settings lists it.
     virtual QList<ShortcutOwner> owners() const = 0;
-    /// What is stored; nothing where there is none.
+    /// The stored combination; nothing where there is none.
     virtual std::optional<KeyCombo> combo(const ShortcutOwner& owner) const = 0;
     virtual void store(const std::optional<KeyCombo>& combo, const ShortcutOwner& owner) = 0;
     /// As a message calls it, also where `owner` is gone.

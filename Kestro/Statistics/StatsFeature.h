@@ -9,7 +9,7 @@ namespace kestro {
 
 class SystemCounters;
 
-/// The readings of processor and memory, taken only while somebody can see them. Main thread.
+/// The readings of processor and memory, taken only while a surface shows them. Main thread.
 class StatsFeature final : public Feature {
     Q_OBJECT
 public:

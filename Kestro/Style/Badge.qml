@@ -1,7 +1,7 @@
 import QtQuick
 import Kestro.Style
 
-/// What a tile tells at its corner. `wingState` is "needsInput", "working", "done" or nothing.
+/// The state at a tile's corner. `wingState` is "needsInput", "working", "done" or nothing.
 Item {
     id: badge
 

@@ -66,7 +66,7 @@ Item {
         interval: 1000
         onTriggered: overlay.typed = ""
     }
-    // What is pressed elsewhere closes the list, and does nothing more.
+    // A press elsewhere closes the list and does nothing more: the list is modal.
     MouseArea {
         anchors.fill: parent
         acceptedButtons: Qt.AllButtons

@@ -1,8 +1,8 @@
 import QtQuick
 import Kestro.Style
 
-/// What every control of ours is: it can be pointed at, pressed, focused, and read and pressed by a screen reader.
-/// The look is up to the one who uses it. Qt's own controls do nothing on a screen reader's press, and are told as
+/// The base of every control: pointed at, pressed, focused, and read and pressed by a screen reader.
+/// The user of this type adds the look. Qt's own controls do nothing on a screen reader's press, and are told as
 /// enabled when they are not; this one mends both.
 Item {
     id: control

@@ -1,7 +1,7 @@
 import QtQuick
 import Kestro.Style
 
-/// What may be higher than its place: scrolled by the wheel, the page keys and the bar, and so that the control that
+/// A view of content that may be higher than its place: scrolled by the wheel, the page keys and the bar, and so that the control that
 /// has the keyboard is seen. `content` is laid out from top to bottom.
 Item {
     id: pane

@@ -37,7 +37,7 @@ FocusScope {
     Keys.onReturnPressed: accept()
     Keys.onEnterPressed: accept()
 
-    // The keyboard goes round within the sheet: whoever comes to one of its ends goes on from the other.
+    // The sheet is modal: Tab wraps from its last control to its first.
     Item {
         id: begin
 
@@ -51,7 +51,7 @@ FocusScope {
         anchors.fill: parent
         color: Theme.shade
     }
-    // What is pressed beside it is for nobody.
+    // The sheet is modal: presses beside it are dropped.
     MouseArea {
         anchors.fill: parent
         acceptedButtons: Qt.AllButtons

@@ -8,7 +8,7 @@
 
 namespace kestro {
 
-/// Says that something is at work: eight steps a second, and none while nobody can see them.
+/// Shows that work is in progress: eight steps a second, and none while it is not visible.
 class Spinner : public kestro::PictureItem {
     Q_OBJECT
     QML_ELEMENT

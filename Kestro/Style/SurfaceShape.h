@@ -20,7 +20,7 @@ struct SurfaceShape {
 
     bool operator==(const SurfaceShape&) const = default;
 
-    /// What is filled.
+    /// The filled area.
     QPainterPath outline(const QRectF& frame) const;
 
     /// The same for a window's shape, in whole points.
@@ -33,7 +33,7 @@ struct SurfaceShape {
     qreal endLength() const;
 };
 
-/// What a surface is drawn with.
+/// The colours and lines of a surface.
 struct SurfacePaint {
     QColor fill;
     QColor tint = Qt::transparent; ///< over the fill

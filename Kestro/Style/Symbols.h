@@ -11,7 +11,7 @@
 
 class QPainter;
 
-/// The system's symbol names: the one place where a glyph's name is written. Records and models hold the same strings.
+/// The system's symbol names, written nowhere else. Records and models hold the same strings.
 namespace kestro::symbols {
 
 inline constexpr QLatin1StringView app("app"); ///< an application without an icon

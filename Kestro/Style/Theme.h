@@ -123,7 +123,7 @@ public:
     /// The colour of one of the names of a dock's tint ("accent", "red", …, "graphite"); transparent for any other.
     Q_INVOKABLE QColor tint(const QString& name) const;
 
-    /// What a bar of `level` (0 to 1) shows: green below 0.6, yellow below 0.85, else red; the accent in the style
+    /// The colour of a bar at `level` (0 to 1): green below 0.6, yellow below 0.85, else red; the accent in the style
     /// "accent".
     Q_INVOKABLE QColor meter(qreal level, const QString& style) const;
 

@@ -35,7 +35,7 @@ public:
     bool isDark() const { return m_look.dark; }
     void setDark(bool dark);
 
-    /// What the tile's ring shows, 0 to 1; below 0 it has none.
+    /// The share of the ring that is filled, 0 to 1; below 0 there is no ring.
     qreal share() const { return m_look.share; }
     void setShare(qreal share);
 

@@ -6,7 +6,7 @@
 
 namespace kestro {
 
-/// What a tile shows. A value: two equal ones have the same picture.
+/// The content of a tile. A value: equal ones have the same picture.
 struct TileLook {
     QString kind; ///< a widget kind's raw value, which picks the colours; empty for anything else
     QString symbol; ///< the glyph; unused where there is an image

@@ -1,7 +1,7 @@
 import QtQuick
 import Kestro.Style
 
-/// What is said of the thing that the pointer rests on; the content of a panel of its own.
+/// The text about the item under the pointer; the content of a panel of its own.
 SurfaceItem {
     id: bubble
 

@@ -9,13 +9,13 @@ namespace kestro {
 
 struct Platform;
 
-/// What the Appearance pane shows and changes: preferences as the surfaces read them. Main thread.
+/// The Appearance pane's state: preferences as the surfaces read them. Main thread.
 class AppearanceSettings final : public QObject {
     Q_OBJECT
     QML_ANONYMOUS
     /// By preference key; what is chosen among names is its raw string.
     Q_PROPERTY(QVariantMap values READ values NOTIFY changed)
-    /// What can be chosen as a screen, { value, title }: the stored one too, while it is not there.
+    /// The screens to choose from, { value, title }: the stored one too while it is not connected.
     Q_PROPERTY(QVariantList screens READ screens NOTIFY changed)
     Q_PROPERTY(double smallestScale READ smallestScale CONSTANT)
     Q_PROPERTY(double largestScale READ largestScale CONSTANT)

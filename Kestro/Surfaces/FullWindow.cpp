@@ -38,7 +38,7 @@ FullWindow::FullWindow(AppModel& model, const QString& title, const WindowSize& 
 
 QRect FullWindow::firstPlace(QSizeF wanted) const
 {
-    // What a window manager puts round it.
+    // The window manager's frame.
     constexpr int titleBar = 32;
     constexpr int border = 4;
     const QList<Screen> screens = m_platform.screens.all();
@@ -71,7 +71,7 @@ void FullWindow::closeEvent(QCloseEvent* event)
 
 void FullWindow::keyPressEvent(QKeyEvent* event)
 {
-    // Whoever has the keyboard comes first: Escape closes an open list, and only the next one the window.
+    // The focused control comes first: Escape closes an open list, and only the next Escape the window.
     event->ignore();
     QQuickWindow::keyPressEvent(event);
     if ((!activeFocusItem() || !event->isAccepted()) && (command(*event) || keyDown(*event)))

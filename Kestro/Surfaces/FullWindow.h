@@ -11,8 +11,8 @@ namespace kestro {
 
 class AppModel;
 
-/// An ordinary window of the program, with a title bar and the keyboard. It lives while it is open: who makes it is
-/// told when it closes. What it shows is up to the one that derives from it. Main thread.
+/// An ordinary window of the program, with a title bar and the keyboard. It lives while it is open: its owner is
+/// told when it closes. A derived class fills it. Main thread.
 class FullWindow : public QQuickWindow {
     Q_OBJECT
 public:

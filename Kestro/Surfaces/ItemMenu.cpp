@@ -50,7 +50,7 @@ ItemMenu::ItemMenu(QQmlEngine& engine, const Platform& platform, QList<MenuEntry
     : m_entries(std::move(entries))
     , m_ended(std::move(ended))
 {
-    // Of the types that no window manager touches, the one that a screen reader is told of.
+    // Of the types that no window manager touches, the only type that is on the accessibility bus.
     setFlags(Qt::ToolTip | Qt::FramelessWindowHint);
     QSurfaceFormat format = requestedFormat();
     format.setAlphaBufferSize(8);

@@ -13,7 +13,7 @@ namespace kestro {
 class AppModel;
 struct Platform;
 
-/// What can be done with an item of the dock. `vertical` is a dock on a screen's side.
+/// The commands for an item of the dock. `vertical` is a dock on a screen's side.
 QList<MenuEntry> itemMenuEntries(AppModel& model, const LaunchItem& item, bool vertical);
 
 /// An open menu. It holds the pointer and the keyboard until an entry is chosen, Escape is pressed or the pointer is

@@ -34,7 +34,7 @@ public:
     /// Draws what has changed within the call rather than on a later turn.
     void drawNow();
 
-    /// Shows the window above the others; one that shows already keeps its place.
+    /// Shows the window above the others; a visible window keeps its place.
     void orderFront();
     void orderOut();
     /// Hides the window once its content has faded, unless it is ordered front before that.

@@ -6,7 +6,7 @@ class QKeyEvent;
 
 namespace kestro {
 
-/// What a key does in every window of the program.
+/// The commands that keys have in every window of the program.
 enum class WindowCommand { close, openSettings, quit };
 
 /// The command of a key press, if it is one: Escape or Ctrl-W, Ctrl-comma, Ctrl-Q.

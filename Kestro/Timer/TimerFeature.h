@@ -10,7 +10,7 @@ namespace kestro {
 
 class LauncherModel;
 
-/// What the timer asks of its platform.
+/// The timer's ports.
 struct TimerPorts {
     MainLoop& loop;
     PreferenceStore& preferences;

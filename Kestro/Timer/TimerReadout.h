@@ -54,7 +54,7 @@ Q_SIGNALS:
     void tileChanged();
 
 private:
-    /// What the live tile shows.
+    /// The live tile's text.
     struct Tile {
         std::size_t phase = 0;
         QString text;

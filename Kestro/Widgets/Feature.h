@@ -18,7 +18,7 @@ class Feature;
 class ShortcutSource;
 class Widget;
 
-/// What every feature shares with the application that it lives in. Main thread.
+/// State and services that the application shares with every feature. Main thread.
 struct FeatureHost {
     explicit FeatureHost(PreferenceStore& preferences)
         : switches(preferences)

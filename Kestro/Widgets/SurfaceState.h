@@ -7,7 +7,7 @@
 
 namespace kestro {
 
-/// What is on the screen of the active surface, for features that work only while somebody looks. The surfaces write
+/// The visible state of the active surface, for features that work only while it is seen. The surfaces write
 /// it. Main thread.
 class SurfaceState final : public QObject {
     Q_OBJECT

@@ -13,10 +13,10 @@ namespace kestro {
 
 struct Look;
 
-/// What a widget's tile shows beside its symbol.
+/// The content of a widget's tile beside its symbol.
 struct WidgetTile {
     QString badge{}; ///< the state that the badge wears: "working", "needsInput", "done"; empty for no badge
-    QString badgeText{}; ///< the badge in words, for who cannot see it
+    QString badgeText{}; ///< the badge in words, for screen readers
     double share = -1; ///< how much of the ring is full, 0 to 1; below 0 there is no ring. Live tiles only
     QString figure{}; ///< a short text in place of the symbol; empty for the symbol. Live tiles only
 

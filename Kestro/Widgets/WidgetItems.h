@@ -42,9 +42,9 @@ public:
     std::optional<QString> addWidget(WidgetKind kind);
     void removeItem(const LaunchItem& item);
     void syncWidgetItem(WidgetKind kind);
-    /// What a click on the item's tile does.
+    /// The effect of a click on the item's tile.
     void click(const LaunchItem& item);
-    /// What the item's shortcut does.
+    /// The effect of the item's shortcut.
     void perform(const LaunchItem& item);
 
 Q_SIGNALS:

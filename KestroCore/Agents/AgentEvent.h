@@ -8,7 +8,7 @@
 
 namespace kestro {
 
-/// What one hook of an agent told. Prompts and code are in the message too; they are never kept.
+/// An event as an agent's hook sent it. Prompts and code are in the message too; they are never kept.
 struct AgentEvent {
     // A stranger's texts are bounded where they are read. No agent has longer ones: ids are UUIDs, and the system takes
     // no longer path. Names and folders are cut; an id is not, since two sessions would become one.

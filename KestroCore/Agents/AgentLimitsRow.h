@@ -9,7 +9,7 @@
 
 namespace kestro {
 
-/// What the row of one agent's limits shows: gauges, or the reason why there are none yet.
+/// The row of one agent's limits: gauges, or the reason why there are none yet.
 struct LimitsRow {
     QString name;
     std::vector<WindowGauge> gauges; ///< the five hours first

@@ -23,7 +23,7 @@ constexpr int backlog = 16;
     throw std::system_error(error != 0 ? error : EIO, std::generic_category(), what);
 }
 
-/// The socket's own folder is for its user alone, so that nobody else can connect; the ones above are as usual.
+/// The socket's own folder is for its user alone, so that no other user can connect; its parents keep their usual mode.
 void makeFolder(const std::filesystem::path& folder)
 {
     if (folder.empty())
@@ -34,7 +34,7 @@ void makeFolder(const std::filesystem::path& folder)
         if (::mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST)
             throwPosix(errno, "mkdir");
     } else if ((status.st_mode & (S_IRWXG | S_IRWXO)) != 0 && ::chmod(folder.c_str(), 0700) != 0) {
-        // Made by another program, or restored from a copy. One that stays open to others is no place to listen.
+        // Made by another program, or restored from a copy. A folder that stays open to others is refused.
         throwPosix(errno, "chmod");
     }
 }

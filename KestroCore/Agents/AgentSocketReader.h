@@ -17,7 +17,7 @@ namespace kestro {
 /// runs it is alive.
 using OnSocketMessage = std::function<void(SocketMessage message, int connection)>;
 
-/// What the socket's clients may take up. Tests make these small; nobody else changes them.
+/// The limits of the socket's clients. Only tests change them, to smaller values.
 struct AgentSocketLimits {
     std::chrono::milliseconds silence{ 1000 }; ///< without a byte, from the connection or the last one on
     std::chrono::milliseconds connection{ 5000 }; ///< in all

@@ -101,7 +101,7 @@ void look(const QByteArray& path, int flags, NewestLogs& logs, QByteArrayList& p
     }
 }
 
-/// The last `tailBytes` of an ordinary file, or nothing. One that shrinks meanwhile gives what was left.
+/// The last `tailBytes` of an ordinary file, or nothing. A file that shrinks meanwhile gives the rest.
 QByteArray readTail(const QByteArray& file)
 {
     // It was an ordinary file when it was found; a pipe that took its place must not be waited for.

@@ -13,7 +13,7 @@ namespace kestro::ConfigFile {
 inline constexpr qsizetype maxSize = 16 * 1024 * 1024;
 
 /// Takes the file's bytes, or nothing when there is no file, and its path as shown to the user. Returns the new bytes,
-/// or nothing to leave the file alone. What it throws passes through `update`.
+/// or nothing to leave the file alone. Its exceptions pass through `update`.
 using Transform =
     std::function<std::optional<QByteArray>(const std::optional<QByteArray>& bytes, const QString& displayPath)>;
 

@@ -24,13 +24,13 @@ struct Hooks {
     bool operator==(const Hooks&) const = default;
 };
 
-/// What the content of the agent's configuration file has of ours; nothing stands for no file.
+/// Kestro's hooks in the content of the agent's configuration file; nothing stands for no file.
 Hooks inFile(const std::optional<QByteArray>& data, Agent agent);
 
 /// The event's name in a test. No agent has it, so it makes no session.
 inline constexpr char testEvent[] = "KestroSelfTest";
 
-/// What the agent would write to its hook, for a test that is known again by `id`. `folder` is where it works.
+/// The input that the agent would give its hook, for a test with the id `id`. `folder` is its working directory.
 QByteArray testInput(Agent agent, const QString& id, const QString& folder);
 
 enum class TestResult {
@@ -43,11 +43,11 @@ enum class TestResult {
     silent, ///< what could be tried works, and nothing arrived
 };
 
-/// What the words of `nc -U -w1 SOCKET` tell of why no answer came. Words that are not known, and none at all, mean
+/// The reason for a missing answer, from the error output of `nc -U -w1 SOCKET`. Unknown output, and none at all, mean
 /// that it got through.
 TestResult reasonFromProbe(const QByteArray& errors);
 
-/// What the user is told in one line.
+/// The result in one line for the user.
 struct TestReport {
     TestResult result = TestResult::answered;
     double seconds = 0; ///< from the start of the command to the arrival

@@ -19,8 +19,8 @@ struct ProcessId {
 
 struct ProcessInfo {
     ProcessId id;
-    /// What it may be known by: the kernel's name for it, the base names of its executable and of its first two
-    /// arguments.
+    /// The names it may be recognised by: the kernel's name for it, the base names of its executable and of its first
+    /// two arguments.
     QByteArrayList names;
 
     bool operator==(const ProcessInfo&) const = default;

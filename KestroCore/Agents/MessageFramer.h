@@ -9,7 +9,8 @@
 namespace kestro {
 
 /// Collects one connection's bytes and finds the end of its message as they arrive, looking at each byte once. Agents
-/// keep their side open, so the end of the stream cannot tell. What can no longer become a message is freed at once.
+/// keep their side open, so the end of the stream says nothing. Bytes that can no longer become a message are freed at
+/// once.
 class MessageFramer {
 public:
     static constexpr qsizetype defaultMaxBytes = 8'388'608;

@@ -11,7 +11,7 @@ namespace kestro {
 enum class AgentState { idle, working, needsInput, done };
 inline constexpr std::size_t agentStateCount = 4;
 
-/// What an agent is doing in one of its conversations, as far as its events told.
+/// The state of one conversation of an agent, as its events tell it.
 struct Session {
     QString id;
     Agent agent = Agent::claude; ///< the agent of the latest event

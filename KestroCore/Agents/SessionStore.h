@@ -37,7 +37,7 @@ struct SessionStore {
     int needsInputCount() const { return static_cast<int>(sessions.count(AgentState::needsInput)); }
     /// The sessions that work or wait for the user.
     int activeCount() const { return workingCount() + needsInputCount(); }
-    /// What the wings show: the most urgent state there is. Never `idle`, and `done` only while it is fresh.
+    /// The state that the wings show: the most urgent one. Never `idle`, and `done` only while it is fresh.
     std::optional<AgentState> wingState(Date now) const;
 
     bool operator==(const SessionStore&) const = default;

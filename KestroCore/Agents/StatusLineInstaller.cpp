@@ -42,7 +42,7 @@ void writeScript(const QString& folder)
         throw PosixError::saving(path, errno);
 }
 
-/// What the user's command holds may be as private as the settings are.
+/// The user's command may be as private as the settings are.
 void writeOriginal(const QString& folder, const QByteArray& sidecar, const std::optional<QByteArray>& originalCommand)
 {
     AtomicFile::replace(inFolder(folder, sidecarName), sidecar, AtomicFile::Attributes{ 0600 });

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string_view>
 
-/// Claude Code tells its limits to nobody but its status line's command. So that command becomes a script of ours,
+/// Claude Code tells its limits to its status line's command alone. So that command becomes a script of ours,
 /// which passes what it is given on to the socket and then runs the user's own command with it. Pure functions but for
 /// `apply` and the paths. From any thread.
 namespace kestro::StatusLineInstaller {

@@ -30,7 +30,7 @@ QStringList listCommand(const HookOrigin& origin);
 /// Makes `client` show the pane.
 QStringList switchCommand(const HookOrigin& origin, const QString& client);
 
-/// Reads the answer to `listCommand`; the one to use first.
+/// Reads the answer to `listCommand`; the preferred client first.
 std::vector<Client> parseList(const QByteArray& output);
 
 } // namespace kestro::tmux

@@ -25,7 +25,7 @@ struct UsageWindow {
 /// How near its limit a window is; a traffic light has a colour for each.
 enum class UsageLevel { low, medium, high };
 
-/// What the gauge of one window shows.
+/// The gauge of one window.
 struct WindowGauge {
     static constexpr double barWidth = 44; ///< points
 

@@ -4,7 +4,7 @@
 
 namespace kestro {
 
-/// What a capture takes. Stored by its raw string.
+/// The kind of a capture. Stored by its raw string.
 enum class CaptureMode { area, window, fullScreen, text };
 template <> struct RawStrings<CaptureMode> {
     static constexpr std::array<QLatin1StringView, 4> values{ QLatin1StringView("area"), QLatin1StringView("window"),

@@ -4,7 +4,7 @@
 
 namespace kestro {
 
-/// What a drop is worth: items for the layout, and files for whoever takes them.
+/// The content of a drop: items for the layout, and files for a widget that takes them.
 struct DockDrop {
     QList<LaunchItem> items; ///< applications, then links
     QList<QUrl> files;

@@ -63,7 +63,7 @@ constexpr DockAnchor anchor(SidebarEdge edge)
 }
 constexpr bool isHorizontal(DockAnchor anchor) { return anchor == DockAnchor::bottom || anchor == DockAnchor::top; }
 QSizeF viewSize(DockAnchor anchor, double length, double thickness);
-/// `rect`, in layout coordinates, in the view of a strip of `thickness`. What faces the screen's edge stays
+/// `rect`, in layout coordinates, in the view of a strip of `thickness`. The side at the screen's edge stays
 /// where it is while the strip swells.
 QRectF viewRect(DockAnchor anchor, const QRectF& rect, double thickness);
 

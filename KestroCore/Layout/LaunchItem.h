@@ -13,7 +13,7 @@ namespace kestro {
 /// Where new identities come from, so that rules stay free of randomness: `QUuid::createUuid` outside tests.
 using NewId = std::function<QUuid()>;
 
-/// What an item's primary action is.
+/// An item's primary action.
 struct ItemAction {
     enum class Verb { openWindow, showCard, open, startCleaner, none };
 

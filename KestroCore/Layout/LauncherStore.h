@@ -33,11 +33,11 @@ public:
     [[nodiscard]] std::optional<LauncherError> add(const LaunchItem& item) { return insert(item, m_items.size()); }
     [[nodiscard]] std::optional<LauncherError> insert(const LaunchItem& item, qsizetype index);
 
-    /// What a batch really added: the new items without those that are in the layout or earlier in the batch.
+    /// The items that a batch really added, without those that are in the layout or earlier in the batch.
     using Inserted = std::variant<QList<LaunchItem>, LauncherError>;
     /// All or nothing. Only `full` and `tooManyDividers` can be wrong.
     [[nodiscard]] Inserted insert(const QList<LaunchItem>& items, qsizetype position, const QList<QUuid>& among);
-    /// What such an insert would add; nothing if it would be refused.
+    /// The items that such an insert would add; nothing if it would be refused.
     std::optional<QList<LaunchItem>> fresh(const QList<LaunchItem>& items) const;
 
     /// The index in `items()` of a position among `ids`; past their end, one behind the last of them that exists.

@@ -16,7 +16,7 @@ template <> struct RawStrings<NotchScreenMode> {
         QLatin1StringView("pointer") };
 };
 
-/// What the user reads for it.
+/// Its name for the user.
 QString title(NotchScreenMode mode);
 
 namespace NotchScreen {

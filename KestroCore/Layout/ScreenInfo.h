@@ -5,7 +5,7 @@
 
 namespace kestro {
 
-/// What the surfaces' rules need of one screen.
+/// The facts about a screen that the surfaces' rules need.
 struct ScreenInfo {
     quint32 id = 0; ///< the display's number, stable while it is connected
     QRectF frame; ///< global, y upwards

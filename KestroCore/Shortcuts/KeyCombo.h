@@ -41,7 +41,7 @@ struct KeyCombo {
 
     /// The stored form of a shortcut that may have been taken away: JSON of an object, or `null`.
     static QByteArray encodeStored(const std::optional<KeyCombo>& combo);
-    /// What `data` holds, which may be "no shortcut"; `fallback` without data or with data that is neither.
+    /// The combination in `data`, which may be "no shortcut"; `fallback` without data or with data that is neither.
     static std::optional<KeyCombo> decodeStored(
         const std::optional<QByteArray>& data, std::optional<KeyCombo> fallback);
 };

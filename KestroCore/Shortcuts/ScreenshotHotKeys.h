@@ -16,7 +16,7 @@ const std::map<int, KeyCombo>& defaults();
 const std::map<CaptureMode, KeyCombo>& captureShortcuts();
 
 /// Those in force, by number. `table` is the desktop's: for each number, in decimal, an object with "enabled" and
-/// "value"/"parameters": a character, the key's code, the flags of the modifiers. What it does not say, and all of it
+/// "value"/"parameters": a character, the key's code, the flags of the modifiers. Anything it leaves out, and all of it
 /// where there is none, is as in `defaults`.
 std::map<int, KeyCombo> enabled(const std::optional<QVariantMap>& table);
 

@@ -42,7 +42,7 @@ private:
 
 using ShortcutTable = std::map<ShortcutOwner, KeyCombo>;
 
-/// Another owner in `table` that has `combo` already; nobody is in conflict with themselves.
+/// Another owner in `table` that has `combo` already; an owner is never in conflict with itself.
 std::optional<ShortcutOwner> conflict(const KeyCombo& combo, const ShortcutOwner& owner, const ShortcutTable& table);
 
 } // namespace kestro

@@ -28,7 +28,7 @@ inline QRectF grown(const QRectF& r, double dx, double dy)
 }
 inline QRectF grown(const QRectF& r, double by) { return grown(r, by, by); }
 
-/// The smallest rectangle round both. Qt's own drops one that is empty, even where its position matters.
+/// The smallest rectangle round both. Qt's own ignores an empty rectangle, even where its position matters.
 inline QRectF united(const QRectF& a, const QRectF& b)
 {
     const double x = std::min(minX(a), minX(b));

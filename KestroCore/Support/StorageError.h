@@ -5,7 +5,7 @@
 
 namespace kestro {
 
-/// What stood in the way of reading or writing a file, as a sentence for the user. The one exception that may leave
+/// The reason why a file could not be read or written, as a sentence for the user. The one exception that may leave
 /// KestroCore; a model catches it and shows the description.
 class StorageError : public std::exception {
 public:

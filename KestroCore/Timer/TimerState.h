@@ -53,7 +53,7 @@ struct TimerState {
     static QString format(double seconds);
     /// The same for little room: "12m", or "40s" in the last minute.
     static QString wingText(double seconds);
-    /// What `format` and `wingText` show: seconds rounded up, at least 0.
+    /// The time that `format` and `wingText` show: seconds rounded up, at least 0.
     static qint64 wholeSeconds(double seconds);
 
     /// One JSON document; empty for infinite or NaN numbers, which JSON cannot express.

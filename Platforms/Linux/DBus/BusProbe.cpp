@@ -31,7 +31,7 @@ std::optional<QByteArray> socketPath(const QByteArray& address)
     return std::nullopt;
 }
 
-/// Null where nobody listens.
+/// Null where no process listens.
 FileDescriptor connectTo(const QByteArray& path)
 {
     sockaddr_un address{};
@@ -68,7 +68,7 @@ BusProbe::BusProbe(const QByteArray& addresses)
             return;
         }
         m_socket = FileDescriptor();
-        // As many wait already as the socket lets: whoever listens there does not answer.
+        // The socket's backlog is full: the process that listens there does not answer.
         m_state = errno == EAGAIN ? State::silent : State::absent;
     }
 }

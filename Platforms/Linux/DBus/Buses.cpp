@@ -33,7 +33,7 @@ QByteArray systemAddress()
     return told.isEmpty() ? QByteArrayLiteral("unix:path=/run/dbus/system_bus_socket") : told;
 }
 
-/// Whether the service that screen readers need does not answer, though somebody has its name.
+/// Whether the accessibility service's name has an owner that does not answer.
 bool accessibilityHangs(const QDBusConnection& session)
 {
     QDBusMessage question = QDBusMessage::createMethodCall(QStringLiteral("org.a11y.Bus"),
@@ -79,7 +79,7 @@ void Buses::follow()
 }
 
 // Qt asks the session bus and the service of the screen readers when it makes its bridge to them, and waits for the
-// answers. So the bridge is made here, while whoever would not answer is hidden from it.
+// answers. So the bridge is made here, while a silent service is hidden from it.
 void Buses::letQtConnect()
 {
     m_session = QDBusConnection::sessionBus();

@@ -23,7 +23,7 @@ public:
     Buses();
     ~Buses() override;
 
-    /// Once, when there is an application object. What `systemCame` and `sessionCame` tell comes on a later turn.
+    /// Once, when there is an application object. `systemCame` and `sessionCame` come on a later turn.
     void follow();
 
     /// Not connected where the bus is missing or silent.

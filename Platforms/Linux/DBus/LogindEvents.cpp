@@ -29,7 +29,7 @@ void LogindEvents::attach(const QDBusConnection& systemBus)
     m_bus = systemBus;
     if (!m_bus.isConnected())
         return;
-    // The service is named so that nobody else on the bus, which every user shares, can end the program.
+    // The sender is named so that no other client of the bus, which every user shares, can end the program.
     const auto listen = [&](const char* signal, const char* slot) {
         m_bus.connect(service, QStringLiteral("/org/freedesktop/login1"),
             QStringLiteral("org.freedesktop.login1.Manager"), QLatin1String(signal), this, slot);

@@ -8,7 +8,7 @@
 
 namespace kestro {
 
-/// What the login manager tells of the machine. Without it, or without a bus, nothing is told.
+/// The login manager's events of the machine. Without it, or without a bus, there are none.
 class LogindEvents : public QObject {
     Q_OBJECT
 public:

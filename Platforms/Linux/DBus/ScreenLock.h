@@ -5,7 +5,7 @@
 
 namespace kestro {
 
-/// The desktop's screen lock, as it tells of itself on the session bus. Listening starts nobody.
+/// The desktop's screen lock, as it tells of itself on the session bus. Listening starts no service.
 class ScreenLock : public QObject {
     Q_OBJECT
 public:

@@ -9,7 +9,7 @@ class QDBusPendingCallWatcher;
 namespace kestro {
 
 /// Whether a panel shows status items of the bus, and the way to be shown there. Everything is asked without waiting,
-/// and nobody is started by it.
+/// and it starts no service.
 class TrayHost : public QObject {
     Q_OBJECT
 public:

@@ -15,7 +15,7 @@ public:
     /// screen coordinates. Both outlive this.
     TrayItem(const QDBusConnection& sessionBus, StatusItem& fallback, std::function<QPointF(QPoint)> toScreen);
     ~TrayItem() override;
-    /// A bus that came late, in place of one that is not connected.
+    /// A bus that came late, in place of a connection that failed.
     void attach(const QDBusConnection& sessionBus);
 
     void show(std::function<QImage(int)> icon, QList<MenuEntry> menu) override;

@@ -29,7 +29,7 @@ QString TrayMenu::textDirection() const
     return QGuiApplication::isRightToLeft() ? QStringLiteral("rtl") : QStringLiteral("ltr");
 }
 
-// What is as the protocol has it by default is left out. No names stand for all.
+// Properties with the protocol's default are left out. An empty list of names stands for all.
 QVariantMap TrayMenu::properties(int id, const QStringList& names) const
 {
     QVariantMap all;

@@ -27,7 +27,7 @@ struct TrayToolTip {
     QString text{};
 };
 
-/// What a menu tells of one of its entries.
+/// The properties of one menu entry.
 struct TrayMenuProperties {
     int id = 0;
     QVariantMap values{};

@@ -4,7 +4,7 @@
 
 #include <QStringList>
 
-/// What the desktop's menus show.
+/// The applications that the desktop's menus show.
 namespace kestro::ApplicationList {
 
 /// The desktop entries of the user and of the system. Where two have one identifier, the first folder's counts,

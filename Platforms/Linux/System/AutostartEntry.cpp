@@ -121,7 +121,7 @@ void AutostartEntry::disconnectNotify(const QMetaMethod&)
         Qt::QueuedConnection);
 }
 
-// A folder that is missing is watched for in the one above it. The upper ones first, or one that comes meanwhile is
+// A missing folder is watched for in its parent. The upper ones first, or a folder that comes meanwhile is
 // missed; and it may have been filled before it was watched, so look at the file afterwards.
 void AutostartEntry::watchFolders()
 {

@@ -9,7 +9,7 @@ namespace kestro {
 class FileWatch;
 
 /// Starting with the session, by a desktop entry in the user's autostart folder. Other programs may change it: the
-/// desktop's own start-up settings do. It is watched while somebody listens to `changed`.
+/// desktop's own start-up settings do. It is watched while `changed` has a listener.
 class AutostartEntry final : public LoginItem {
     Q_OBJECT
 public:

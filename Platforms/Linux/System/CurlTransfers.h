@@ -11,7 +11,7 @@ class QSocketNotifier;
 
 namespace kestro {
 
-/// libcurl's transfers on the loop of the application: no thread but the one in which a name is looked up. Main thread.
+/// libcurl's transfers on the loop of the application: no thread but libcurl's resolver. Main thread.
 class CurlTransfers final : public QObject {
 public:
     CurlTransfers();

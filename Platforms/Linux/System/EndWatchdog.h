@@ -21,7 +21,7 @@ public:
     /// The process was asked to end: the time runs from the first call on. From any thread, and from a signal handler;
     /// nothing happens where there is no watchdog.
     static void arm();
-    /// Everything is saved. What is left of the end frees memory, so it gets a quarter of a second. From any thread.
+    /// Everything is saved. The rest of the end only frees memory, so it gets a quarter of a second. From any thread.
     static void allSaved();
 };
 

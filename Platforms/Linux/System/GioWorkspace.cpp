@@ -79,7 +79,7 @@ GioPointer<GAppLaunchContext> launchContext()
 
 void leaveOurSession(gpointer) { ::setsid(); }
 
-// Through GLib's go-between process, so that what is started is nobody's child here.
+// Through GLib's intermediate process, so that the program is not a child of this process.
 QString launch(GDesktopAppInfo* application, const char* uri)
 {
     GioError error;

@@ -16,7 +16,7 @@ namespace kestro {
 class GioWorkspace final : public Workspace {
     Q_OBJECT
 public:
-    /// Where the desktop names no icon theme, the one that every application's icon must be in is used.
+    /// Where the desktop names no icon theme, hicolor is used, which holds every application's icon.
     GioWorkspace();
 
     bool fileExists(const QString& path) const override;
@@ -25,7 +25,7 @@ public:
     std::optional<QString> displayName(const QString& path) const override;
     QImage icon(const QString& path, int pixels) const override;
 
-    /// What is started has a session of its own: it stays when we end, and leaves no dead child behind.
+    /// A started program has a session of its own: it outlives this process, and leaves no zombie behind.
     void openApplication(const QString& path, std::function<void(const QString&)> failed) override;
     bool openUrl(const QUrl& url) override;
     bool moveToTrash(const QString& path) override;

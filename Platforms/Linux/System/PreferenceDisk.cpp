@@ -128,7 +128,7 @@ void PreferenceDisk::save()
     if (outcome.writeError.isEmpty()) {
         for (const Change& change : changes)
             outcome.saved = std::max(outcome.saved, change.number);
-        // What was set again meanwhile is still to be written.
+        // Keys that were set again meanwhile are still to be written.
         const std::lock_guard lock(m_mutex);
         m_unsaved.removeIf([&](const auto& change) { return change.value().number <= outcome.saved; });
     }

@@ -14,8 +14,8 @@ namespace kestro {
 
 struct PreferenceReading;
 
-/// Reads and writes the preference file on a queue, in the order in which it is asked, so that nobody waits for the
-/// disk. What it finds and what becomes of a write are outcomes, to be taken in their order.
+/// Reads and writes the preference file on a queue, in the order in which it is asked, so that no caller waits for the
+/// disk. Readings and results of writes are outcomes, to be taken in their order.
 class PreferenceDisk {
 public:
     using Values = PreferenceDocument::Values;

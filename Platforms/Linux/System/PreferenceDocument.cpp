@@ -24,7 +24,7 @@ public:
 
     bool atEnd() { return next() == '}' || next() == '\0'; }
 
-    // What stands before the next outermost `:`, or `,` or `}`, without the blanks round it. Skips a `:` or `,` at its
+    // The text before the next outermost `:`, or `,` or `}`, without the blanks round it. Skips a `:` or `,` at its
     // end.
     QByteArray piece(bool key)
     {

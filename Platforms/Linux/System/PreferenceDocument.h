@@ -8,7 +8,7 @@
 
 namespace kestro {
 
-/// The preference file's text, one member a key. What is not changed keeps its very spelling and place, so that
+/// The preference file's text, one member a key. An unchanged member keeps its spelling and place, so that
 /// nothing another program wrote is lost or rounded.
 class PreferenceDocument {
 public:
@@ -21,7 +21,7 @@ public:
     /// Without the nulls, which count as absent.
     const Values& values() const { return m_values; }
     /// Sets, or with an invalid `value` removes, one key. Returns whether anything is different now.
-    /// `value` is one that can be stored.
+    /// `value` must be storable.
     bool set(const QString& key, const QVariant& value);
     QByteArray text() const;
 

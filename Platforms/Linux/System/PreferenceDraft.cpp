@@ -38,7 +38,7 @@ PreferenceReading PreferenceReading::of(const QByteArray& path)
     errno = 0;
     reading.fingerprint = FileFingerprint::of(path);
     try {
-        // What cannot be seen may well be there.
+        // A file that cannot be examined may well exist.
         if (errno != 0 && errno != ENOENT)
             throw PosixError::reading(path, errno);
         if (const auto contents = AtomicFile::read(path, largest)) {

@@ -16,7 +16,7 @@ struct FileFingerprint {
     bool operator==(const FileFingerprint&) const = default;
 };
 
-/// What is at a path: `content`, or an `error`, or nothing (`exists` is false).
+/// The file at a path: `content`, or an `error`, or nothing (`exists` is false).
 struct PreferenceReading {
     QByteArray content;
     QString error;

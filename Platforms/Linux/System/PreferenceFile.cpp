@@ -63,7 +63,7 @@ void PreferenceFile::setValue(const QString& key, const QVariant& value)
         m_log.write(QStringLiteral("Kestro: the preference %1 has a value that can't be stored").arg(key));
         return;
     }
-    // What is in force is what will be read back, to the last bit.
+    // The value in force is the value that will be read back, to the last bit.
     const QVariant stored = PreferenceValue::fromJson(*json);
     if (PreferenceValue::same(m_values.value(key), stored))
         return;
@@ -171,7 +171,7 @@ void PreferenceFile::setSaveError(const QString& error)
         Q_EMIT saveErrorChanged();
 }
 
-// What was set here and is not saved yet stands above what the file says.
+// Values that were set here and are not saved yet win over the file's.
 void PreferenceFile::adopt(const Values& inFile)
 {
     for (auto it = inFile.begin(); it != inFile.end(); ++it) {

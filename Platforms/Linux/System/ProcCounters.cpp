@@ -11,7 +11,7 @@
 namespace kestro {
 namespace {
 
-// What is asked for stands in the first lines of both files; the rest of a many-core /proc/stat is not read.
+// The wanted lines are the first of both files; the rest of a many-core /proc/stat is not read.
 using Head = std::array<char, 1024>;
 
 std::string_view readHead(const QByteArray& path, Head& buffer)

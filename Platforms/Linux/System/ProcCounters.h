@@ -14,7 +14,7 @@ public:
 
     /// Waiting for a disk counts as idle, what interrupts take as the system's.
     std::optional<CPUTicks> cpuTicks() const override;
-    /// What is neither free nor could be freed at once.
+    /// Memory that is neither free nor could be freed at once.
     std::optional<quint64> ramUsed() const override;
     quint64 ramTotal() const override;
 

@@ -70,7 +70,7 @@ HookOrigin ProcPeerInspector::process(qint64 pid) const
     bool asBefore = false;
     while (pid > init && origin.ancestors.size() < deepest) {
         auto known = look(pid, asBefore);
-        // One that is younger than its child has the number of the child's real parent, which has ended.
+        // A parent younger than its child: the real parent has ended and its PID was reused.
         if (!known || (!origin.ancestors.empty() && known->info.id.startTime > origin.ancestors.back().id.startTime))
             break;
         origin.ancestors.push_back(known->info);

@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-/// What procfs tells of a process. `root` is a descriptor of it; what cannot be read is empty.
+/// Facts about a process from procfs. `root` is a descriptor of procfs; unreadable facts are empty.
 namespace kestro::proc {
 
 /// The fields of a process's `stat`.

@@ -82,7 +82,7 @@ bool isOurUser(const FileDescriptor& connection)
     return ::getsockopt(connection.get(), SOL_SOCKET, SO_PEERCRED, &peer, &size) == 0 && peer.uid == ::getuid();
 }
 
-// Datagrams: the sender never waits for the one it tells, be that stopped or stuck.
+// Datagrams: the sender never waits for the receiver, be that stopped or stuck.
 FileDescriptor datagramSocket()
 {
     return FileDescriptor(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));

@@ -23,13 +23,13 @@ public:
     SingleInstance(const QString& folder, Log& log, QObject* parent = nullptr);
     ~SingleInstance() override;
 
-    /// Whether this process is the one to run. If not, the other has been told and this one ends.
+    /// Whether this process is to run. If not, the running one has been told and this process ends.
     /// With neither a lock nor the abstract name, it runs and says so: better twice than never. May wait, two seconds
-    /// at most, for one that is just starting or ending.
+    /// at most, for a process that is just starting or ending.
     bool claim();
 
 Q_SIGNALS:
-    void secondStart(); ///< somebody started the program again
+    void secondStart(); ///< the program was started again
 
 private:
     enum class Lock { taken, held, impossible };

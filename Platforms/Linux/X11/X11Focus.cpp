@@ -31,7 +31,7 @@ xcb_window_t activeWindow(X11Connection& connection)
     return *static_cast<const xcb_window_t*>(xcb_get_property_value(reply.get()));
 }
 
-// With a time: a focus that somebody else has set later stays theirs. Once the window has gone, the pointer decides
+// With a time: a focus that another client has set later stays. Once the window has gone, the pointer decides
 // until the window manager does.
 void setFocus(X11Connection& connection, xcb_window_t window)
 {

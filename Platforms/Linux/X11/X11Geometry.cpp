@@ -18,7 +18,7 @@ bool spans(const Strut::Edge& edge, int first, int last)
     return edge.depth > 0 && edge.start <= last && edge.end >= first;
 }
 
-// Whether a reserved band that ends at `bound` leaves something on both of its sides. One that swallows the screen
+// Whether a reserved band that ends at `bound` leaves something on both of its sides. A band that swallows the screen
 // belongs to a panel on a farther screen: struts are counted from the desktop's edge, across all that lies before.
 bool cuts(int bound, int first, int last) { return bound > first && bound <= last; }
 
@@ -93,7 +93,7 @@ QPointF toLogical(QPoint device, const QList<ScreenArea>& screens)
     for (const ScreenArea& screen : screens) {
         const QRect area = screen.device();
         const int away = distance(area, device);
-        // Rounded up, a screen may reach a pixel into the one right of or below it, which then is the true one.
+        // Rounded up, a screen may reach a pixel into its neighbour on the right or below, and the neighbour counts.
         const bool farther = best && area.x() + area.y() > best->device().x() + best->device().y();
         if (!best || away < bestDistance || (away == bestDistance && farther)) {
             best = &screen;

@@ -25,7 +25,7 @@ struct ScreenArea {
     QRect device() const;
 };
 
-/// What a panel reserves along the edges of the whole desktop, in device pixels.
+/// A panel's struts along the edges of the whole desktop, in device pixels.
 struct Strut {
     struct Edge {
         int depth = 0; ///< 0: nothing is reserved there
@@ -41,7 +41,7 @@ struct Strut {
     bool operator==(const Strut&) const = default;
 };
 
-/// What the struts leave of `screen`, in logical points.
+/// `screen` without its struts, in logical points.
 QRectF visibleArea(const ScreenArea& screen, QSize desktop, const QList<Strut>& struts);
 
 /// Where the device pixel lies in logical points: on its screen, else by the nearest one's measure.
@@ -53,7 +53,7 @@ QList<xcb_rectangle_t> deviceRectangles(const QRegion& logical, double scale);
 /// A number for each name, in order: the same for the same name, and no number twice.
 QList<quint32> screenNumbers(const QStringList& names);
 
-/// What the user calls a screen, from what the monitor says of itself, else the name of its output.
+/// A screen's name for the user, from the monitor's EDID, else the name of its output.
 QString screenTitle(const QString& manufacturer, const QString& model, const QString& output);
 
 } // namespace kestro::x11

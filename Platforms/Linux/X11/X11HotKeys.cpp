@@ -74,7 +74,7 @@ bool X11HotKeys::take(const Grab& grab)
     return all;
 }
 
-// Waits until it has happened: whoever hears of it may take the combination at once.
+// Waits until the grab is released: a listener may take the combination at once.
 void X11HotKeys::giveBack(const Grab& grab)
 {
     std::vector<xcb_void_cookie_t> asked;

@@ -20,7 +20,7 @@ public:
     void unregisterHotKey(quint32 id) override;
 
 private:
-    /// What the server has been told to catch for one combination: the same key in every state of the locks.
+    /// The server's grabs for one combination: the same key in every state of the locks.
     struct Grab {
         X11KeyPlace place;
         std::array<uint16_t, 4> locks = {};

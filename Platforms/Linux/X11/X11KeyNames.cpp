@@ -24,7 +24,7 @@ QHash<quint32, QByteArray> namedKeys()
         { "AD", { 12, 13, 14, 15, 17, 16, 32, 34, 31, 35, 33, 30 } },
         { "AC", { 0, 1, 2, 3, 5, 4, 38, 40, 37, 41, 39 } },
         { "AB", { 6, 7, 8, 9, 11, 45, 46, 43, 47, 44 } },
-        // What stands where 13 to 15 are looked for is named below.
+        // The keys in the places of 13 to 15 are named below.
         { "FK", { 122, 120, 99, 118, 96, 97, 98, 100, 101, 109, 103, 111, noKey, noKey, noKey, 106, 64, 79, 80, 90 } },
     };
     QHash<quint32, QByteArray> names = { { 50, "TLDE" }, { 42, "BKSL" }, { 10, "LSGT" }, { 49, "SPCE" }, { 36, "RTRN" },

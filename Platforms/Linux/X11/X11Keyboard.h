@@ -20,7 +20,7 @@ struct X11KeyPlace {
     bool operator==(const X11KeyPlace&) const = default;
 };
 
-/// Tells a key that is pressed from one that is held: the server repeats a key by a release and a press of the same
+/// Tells a pressed key from a held one: the server repeats a key by a release and a press of the same
 /// moment.
 ///
 /// Told by the events alone, without a list of keys that are down: a release that another grab has taken is not missed.
@@ -49,7 +49,7 @@ public:
     std::optional<quint16> codeOf(xcb_keycode_t key) const;
     /// A state of the server's as the flags of a `KeyPress`.
     quint64 flagsOf(uint16_t state) const;
-    /// What a state has of the four modifiers that combinations know.
+    /// The four modifiers of combinations in a state.
     uint16_t modifiersIn(uint16_t state) const;
     /// Every set of modifiers that differs from none by locks alone.
     std::array<uint16_t, 4> lockStates() const;

@@ -10,7 +10,7 @@ namespace kestro {
 
 class X11Connection;
 
-/// What the window manager and the server are told of one panel.
+/// The properties of one panel for the window manager and the server.
 ///
 /// Everything goes through Qt's own connection: a second one would race the map request, and what is not there before
 /// a window is mapped, the window manager may never read. Without Qt's xcb plugin nothing is done.

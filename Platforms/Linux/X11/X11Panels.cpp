@@ -146,9 +146,9 @@ void X11Panels::aboutToShow(QWindow& window)
         x11::writePanelHints(m_connection, window);
 }
 
-// What was said before the map can be lost: a window manager that is still busy with the hiding removes states and
-// moves the window back after we wrote, and one that learns of input shapes by their changes alone has missed this one,
-// whose frame then eats the clicks. Now the window is managed for certain.
+// Properties set before the map can be lost: a window manager that is still busy with the hiding removes states and
+// moves the window back after we wrote, and a window manager that learns of input shapes by their changes alone has
+// missed this change, whose frame then eats the clicks. Now the window is managed for certain.
 void X11Panels::appeared(QWindow& window)
 {
     Entry& entry = m_entries[&window];

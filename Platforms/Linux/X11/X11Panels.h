@@ -30,12 +30,12 @@ protected:
 private:
     using Rectangles = QList<xcb_rectangle_t>;
 
-    /// What is wanted of a window, and what its X window has of it.
+    /// The wanted state of a window, and the state that its X window has.
     struct Entry {
         bool isPanel = false;
         bool beingShown = false; ///< mapped or about to be, and not seen on the screen yet
         bool focusWanted = false; ///< as soon as it is on the screen
-        xcb_window_t focusBefore = XCB_NONE; ///< who had the focus that it was given
+        xcb_window_t focusBefore = XCB_NONE; ///< the window that had the focus before
         std::optional<QRegion> shape; ///< nothing: the whole window
         std::optional<Rectangles> input;
         std::optional<Rectangles> bounding;

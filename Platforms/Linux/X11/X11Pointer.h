@@ -15,9 +15,9 @@ class X11Screens;
 
 /// The pointer, asked of the server; raw motion of the devices is only the alarm clock.
 ///
-/// Raw events come whoever holds the pointer, and at the rate of the mouse, up to a thousand a second. So the first one
-/// ends the subscription, the position is asked for once a frame while it changes, and when it rests the subscription
-/// is renewed. Positions set by a program (a warp) raise no raw event and are seen with the next motion.
+/// Raw events come whichever client grabs the pointer, and at the rate of the mouse, up to a thousand a second. So the
+/// first one ends the subscription, the position is asked for once a frame while it changes, and when it rests the
+/// subscription is renewed. Positions set by a program (a warp) raise no raw event and are seen with the next motion.
 class X11Pointer : public Pointer {
 public:
     /// Both outlive it.
@@ -30,7 +30,7 @@ public:
 private:
     class Watch;
     enum class State {
-        off, ///< nobody watches
+        off, ///< without watchers
         armed, ///< the next raw event wakes
         following ///< asking once a frame
     };

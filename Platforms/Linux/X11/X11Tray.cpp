@@ -231,8 +231,8 @@ void X11Tray::paint()
     m_connection.flush();
 }
 
-// What is under the icon. A window without alpha shows the panel's own background, which only the server knows: it
-// clears the window with it and is asked for the pixels.
+// The background under the icon. A window without alpha shows the panel's own background, which only the server knows:
+// it clears the window with it and is asked for the pixels.
 QImage X11Tray::background(QSize size)
 {
     QImage picture(size, QImage::Format_ARGB32_Premultiplied);
