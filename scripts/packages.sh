@@ -5,7 +5,7 @@
 build_packages=(
     g++ cmake ninja-build ccache pkg-config
     qt6-base-dev qt6-declarative-dev qt6-declarative-dev-tools qt6-svg-dev nlohmann-json3-dev libglib2.0-dev
-    libcurl4-openssl-dev
+    libcurl4-openssl-dev libcanberra-dev
     libxcb1-dev libxcb-xfixes0-dev libxcb-shape0-dev libxcb-xinput-dev libxcb-randr0-dev libxcb-ewmh-dev
     libxcb-icccm4-dev libxcb-screensaver0-dev libxcb-dpms0-dev libxcb-xkb-dev
     libxcb-res0-dev libxcb-xtest0-dev

@@ -100,7 +100,8 @@ private:
     // Every feature, in start order: a new one is one line here
     StatsFeature m_stats{ m_host, m_platform.loop, m_platform.preferences, m_platform.counters };
     AgentsFeature m_agents{ m_host, m_platform, m_folders };
-    TimerFeature m_timer{ m_host, m_launcher, { m_platform.loop, m_platform.preferences, m_platform.session } };
+    TimerFeature m_timer{ m_host, m_launcher,
+        { m_platform.loop, m_platform.preferences, m_platform.session, m_platform.sounds } };
     NotesFeature m_notes{ m_host, m_launcher, m_platform.loop, m_platform.log, NotesStorage::under(m_folders.home) };
     ClipboardFeature m_clipboard{ m_host, m_platform, m_folders };
 };

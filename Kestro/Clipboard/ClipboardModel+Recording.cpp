@@ -37,7 +37,7 @@ std::optional<SourceApps::App> ClipboardModel::source(const PasteboardOffer& off
             frontmost.insert(last->id);
     }
     const bool isCertain = frontmost.size() < 2;
-    if (const auto owner = offer.owner ? m_apps.app(*offer.owner) : std::nullopt) {
+    if (auto owner = offer.owner ? m_apps.app(*offer.owner) : std::nullopt) {
         frontmost.insert(owner->id);
         return owner;
     }

@@ -6,7 +6,7 @@
 namespace kestro {
 
 namespace {
-constexpr int iconPixels = 64;
+constexpr int sourceIconPixels = 64;
 }
 
 SourceApps::SourceApps(Workspace& workspace)
@@ -63,7 +63,7 @@ QImage SourceApps::icon(const QString& id)
     if (known != m_icons.cend())
         return *known;
     const Entry* entry = find(id);
-    return *m_icons.insert(id, entry ? m_workspace.icon(entry->path, iconPixels) : QImage());
+    return *m_icons.insert(id, entry ? m_workspace.icon(entry->path, sourceIconPixels) : QImage());
 }
 
 } // namespace kestro

@@ -19,6 +19,7 @@ class Pointer;
 class PreferenceStore;
 class Screens;
 class SessionEvents;
+class Sounds;
 class StatusItem;
 class SystemCounters;
 class Workspace;
@@ -44,6 +45,7 @@ struct Platform {
     CommandRunner& commands;
     Pasteboard& pasteboard;
     KeyPoster& keyPoster;
+    Sounds& sounds;
     Log& log;
 };
 

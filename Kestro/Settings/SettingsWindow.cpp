@@ -16,7 +16,7 @@ SettingsWindow::SettingsWindow(AppModel& model, QQmlEngine& engine, std::functio
     : FullWindow(model, QStringLiteral("Kestro Settings"), openSize, std::move(closed))
     , m_model(model)
     , m_general(model.platform().loginItem)
-    , m_appearance(model.platform())
+    , m_appearance(model.platform().preferences, model.platform().screens)
     , m_layout(model)
     , m_shortcuts(ShortcutList::ofSections(model))
     , m_panes(settingsPanes(model))

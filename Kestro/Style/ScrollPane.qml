@@ -1,8 +1,8 @@
 import QtQuick
 import Kestro.Style
 
-/// A view of content that may be higher than its place: scrolled by the wheel, the page keys and the bar, and so that the control that
-/// has the keyboard is seen. `content` is laid out from top to bottom.
+/// A view of content that may be higher than its place. The wheel, the page keys and the bar scroll it, and so does a
+/// control that gets the focus while it is out of sight. `content` is laid out from top to bottom.
 Item {
     id: pane
 

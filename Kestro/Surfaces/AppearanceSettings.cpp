@@ -91,18 +91,19 @@ QVariantMap option(const QString& value, const QString& title)
 
 } // namespace
 
-AppearanceSettings::AppearanceSettings(const Platform& platform)
-    : m_platform(platform)
+AppearanceSettings::AppearanceSettings(PreferenceStore& preferences, const Screens& screens)
+    : m_preferences(preferences)
+    , m_screens(screens)
 {
-    connect(&platform.preferences, &PreferenceStore::changed, this, &AppearanceSettings::changed);
-    connect(&platform.screens, &Screens::changed, this, &AppearanceSettings::changed);
+    connect(&preferences, &PreferenceStore::changed, this, &AppearanceSettings::changed);
+    connect(&screens, &Screens::changed, this, &AppearanceSettings::changed);
 }
 
 QVariantMap AppearanceSettings::values() const
 {
     QVariantMap values;
     for (const Access& each : table)
-        values[each.key] = each.read(m_platform.preferences);
+        values[each.key] = each.read(m_preferences);
     return values;
 }
 
@@ -110,7 +111,7 @@ void AppearanceSettings::set(const QString& key, const QVariant& value)
 {
     const auto* const found =
         std::find_if(std::begin(table), std::end(table), [&](const Access& each) { return each.key == key; });
-    if (found == std::end(table) || !found->write(m_platform.preferences, value))
+    if (found == std::end(table) || !found->write(m_preferences, value))
         return qCritical("Kestro: the view wrote what is no setting under \"%s\"", qUtf8Printable(key));
     // Not only with the store's own notice, a turn later: a key that is pressed again by then begins from here.
     Q_EMIT changed();
@@ -119,10 +120,10 @@ void AppearanceSettings::set(const QString& key, const QVariant& value)
 QVariantList AppearanceSettings::screens() const
 {
     QVariantList options{ option(QString(), QStringLiteral("Main screen")) };
-    const QString stored = prefs::sidebarScreen.read(m_platform.preferences);
+    const QString stored = prefs::sidebarScreen.read(m_preferences);
     bool isThere = stored.isEmpty();
     QStringList names;
-    for (const Screen& each : m_platform.screens.all()) {
+    for (const Screen& each : m_screens.all()) {
         isThere = isThere || each.name == stored;
         // Screens of one name cannot be told apart by it: the first of them is meant.
         if (!each.name.isEmpty() && !names.contains(each.name))

@@ -7,7 +7,8 @@
 
 namespace kestro {
 
-struct Platform;
+class PreferenceStore;
+class Screens;
 
 /// The Appearance pane's state: preferences as the surfaces read them. Main thread.
 class AppearanceSettings final : public QObject {
@@ -20,8 +21,8 @@ class AppearanceSettings final : public QObject {
     Q_PROPERTY(double smallestScale READ smallestScale CONSTANT)
     Q_PROPERTY(double largestScale READ largestScale CONSTANT)
 public:
-    /// `platform` must outlive it.
-    explicit AppearanceSettings(const Platform& platform);
+    /// Both must outlive it.
+    AppearanceSettings(PreferenceStore& preferences, const Screens& screens);
 
     QVariantMap values() const;
     /// Written at once. A key or a value that is none of these is a fault of the view, and is not written.
@@ -35,7 +36,8 @@ Q_SIGNALS:
     void changed();
 
 private:
-    const Platform& m_platform;
+    PreferenceStore& m_preferences;
+    const Screens& m_screens;
 };
 
 } // namespace kestro

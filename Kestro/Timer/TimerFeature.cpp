@@ -11,7 +11,7 @@ TimerFeature::TimerFeature(FeatureHost& host, LauncherModel& launcher, const Tim
     , m_surface(host.surface)
     , m_launcher(launcher)
     , m_preferences(ports.preferences)
-    , m_model(ports.loop, ports.preferences, ports.session, ports.sound)
+    , m_model(ports.loop, ports.preferences, ports.session, ports.sounds)
     , m_readout(m_model, ports.loop)
     , m_widget(m_readout)
 {

@@ -15,7 +15,7 @@ struct TimerPorts {
     MainLoop& loop;
     PreferenceStore& preferences;
     const SessionEvents& session;
-    TimerSound* sound = nullptr; ///< null where the desktop has no sounds
+    Sounds& sounds;
     TimerNotices* notices = nullptr; ///< null where nothing shows notices
 };
 

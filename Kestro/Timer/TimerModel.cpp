@@ -2,8 +2,8 @@
 
 #include "Kestro/Platform/PreferenceStore.h"
 #include "Kestro/Platform/SessionEvents.h"
+#include "Kestro/Platform/Sounds.h"
 #include "Kestro/Timer/TimerPreferences.h"
-#include "Kestro/Timer/TimerSound.h"
 #include "KestroCore/Support/StorageError.h"
 
 #include <algorithm>
@@ -25,10 +25,10 @@ TimerState storedState(const PreferenceStore& preferences)
 
 } // namespace
 
-TimerModel::TimerModel(MainLoop& loop, PreferenceStore& preferences, const SessionEvents& session, TimerSound* sound)
+TimerModel::TimerModel(MainLoop& loop, PreferenceStore& preferences, const SessionEvents& session, Sounds& sounds)
     : m_loop(loop)
     , m_preferences(preferences)
-    , m_sound(sound)
+    , m_sounds(sounds)
     , m_state(storedState(preferences))
 {
     // The loop's monotonic clock does not advance during suspend.
@@ -103,8 +103,7 @@ void TimerModel::finishIfDue()
     if (!m_active || !m_state.isFinished(m_loop.now()))
         return schedule();
     reset();
-    if (m_sound)
-        m_sound->play();
+    m_sounds.play(QStringLiteral("complete"));
     onDone();
 }
 

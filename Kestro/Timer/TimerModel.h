@@ -10,14 +10,14 @@ namespace kestro {
 
 class PreferenceStore;
 class SessionEvents;
-class TimerSound;
+class Sounds;
 
 /// The timer's state with persistence, the check at the end time, the sound and the callback. Main thread.
 class TimerModel final : public QObject {
     Q_OBJECT
 public:
     /// All must outlive it. `sound` may be null.
-    TimerModel(MainLoop& loop, PreferenceStore& preferences, const SessionEvents& session, TimerSound* sound);
+    TimerModel(MainLoop& loop, PreferenceStore& preferences, const SessionEvents& session, Sounds& sounds);
 
     const TimerState& state() const { return m_state; }
     double remaining() const { return m_state.remaining(m_loop.now()); }
@@ -49,7 +49,7 @@ private:
 
     MainLoop& m_loop;
     PreferenceStore& m_preferences;
-    TimerSound* m_sound;
+    Sounds& m_sounds;
     TimerState m_state;
     bool m_active = false;
     WorkItem m_finishWork;

@@ -87,7 +87,7 @@ Platform LinuxPlatform::ports()
 {
     return { m_loop, m_preferences, m_screens, m_pointer, m_panels, m_appearance, m_session, m_workspace, m_fetcher,
         m_counters, m_hotKeys, m_keyboard, m_tray, m_autostart, m_peers, m_windows, m_commands, m_pasteboard,
-        m_keyPoster, m_log };
+        m_keyPoster, m_sounds, m_log };
 }
 
 } // namespace kestro

@@ -8,6 +8,7 @@
 #include "Platforms/Linux/DBus/ScreenLock.h"
 #include "Platforms/Linux/DBus/TrayItem.h"
 #include "Platforms/Linux/System/AutostartEntry.h"
+#include "Platforms/Linux/System/CanberraSounds.h"
 #include "Platforms/Linux/System/EndWatchdog.h"
 #include "Platforms/Linux/System/GioWorkspace.h"
 #include "Platforms/Linux/System/NetworkFetcher.h"
@@ -81,6 +82,7 @@ private:
     ProcessRunner m_commands;
     X11Pasteboard m_pasteboard;
     X11PasteboardKeys m_keyPoster;
+    CanberraSounds m_sounds;
 };
 
 } // namespace kestro

@@ -17,8 +17,7 @@ using test::FakePlatform;
 TEST(AppearanceSettingsTest, listsTheScreensAndTheOneThatIsMissing)
 {
     FakePlatform platform;
-    const Platform ports = platform.ports();
-    const AppearanceSettings settings(ports);
+    const AppearanceSettings settings(platform.preferences, platform.screens);
     const auto titles = [&] {
         QStringList all;
         for (const QVariant& each : settings.screens())

@@ -1,6 +1,5 @@
 #include "Kestro/Timer/TimerFeature.h"
 #include "Kestro/Layout/LauncherModel.h"
-#include "Kestro/Timer/TimerSound.h"
 #include "Tests/Support/Fakes.h"
 
 #include <QSignalSpy>
@@ -8,12 +7,6 @@
 
 namespace kestro {
 namespace {
-
-class FakeSound final : public TimerSound {
-public:
-    void play() override { ++played; }
-    int played = 0;
-};
 
 class FakeNotices final : public TimerNotices {
 public:
@@ -48,7 +41,7 @@ protected:
     {
         feature.reset();
         feature = std::make_unique<TimerFeature>(
-            host, launcher, TimerPorts{ loop, platform.preferences, platform.session, &sound, &notices });
+            host, launcher, TimerPorts{ loop, platform.preferences, platform.session, platform.sounds, &notices });
         feature->start();
         return feature->model();
     }
@@ -67,7 +60,6 @@ protected:
 
     test::FakePlatform platform;
     JumpingLoop loop;
-    FakeSound sound;
     FakeNotices notices;
     FeatureHost host{ platform.preferences };
     LauncherModel launcher{ platform.loop, platform.preferences, platform.workspace, platform.fetcher, platform.log,
@@ -85,7 +77,7 @@ TEST_F(TimerTest, EndsOnceWithASoundAndANotice)
     EXPECT_TRUE(model().state().isIdle());
     EXPECT_EQ(time(), QStringLiteral("5:00"));
     pass(86400);
-    EXPECT_EQ(sound.played, 1);
+    EXPECT_EQ(platform.sounds.played.size(), 1);
     EXPECT_EQ(notices.shown, QStringList{ QStringLiteral("timer|Timer done") });
     EXPECT_EQ(loop.inner.waiting(), 0);
 }
@@ -97,14 +89,14 @@ TEST_F(TimerTest, SurvivesARestart)
     start();
     EXPECT_EQ(time(), QStringLiteral("9:00"));
     pass(541);
-    EXPECT_EQ(sound.played, 1);
+    EXPECT_EQ(platform.sounds.played.size(), 1);
 
     model().preset(1);
     feature.reset(); // the program is off
     pass(3600);
     start();
     EXPECT_EQ(model().state(), (TimerState{ TimerState::Idle{}, 60 }));
-    EXPECT_EQ(sound.played, 1) << "nobody was there to hear it";
+    EXPECT_EQ(platform.sounds.played.size(), 1) << "nobody was there to hear it";
     EXPECT_EQ(notices.shown.size(), 1);
 
     platform.preferences.values[QStringLiteral("timerState")] = QByteArray("rubbish");
@@ -124,7 +116,7 @@ TEST_F(TimerTest, IsSilentOutsideOfTheLayout)
     EXPECT_EQ(loop.inner.waiting(), 0);
     setInLayout(true);
     EXPECT_TRUE(model().state().isIdle());
-    EXPECT_EQ(sound.played, 0);
+    EXPECT_EQ(platform.sounds.played.size(), 0);
 }
 
 TEST_F(TimerTest, GoesByTheClockOfTheWall)
@@ -132,19 +124,19 @@ TEST_F(TimerTest, GoesByTheClockOfTheWall)
     start().preset(5);
     loop.jump = 600;
     Q_EMIT platform.session.didWake();
-    EXPECT_EQ(sound.played, 1) << "ended during the sleep";
+    EXPECT_EQ(platform.sounds.played.size(), 1) << "ended during the sleep";
 
     model().preset(5);
     loop.jump -= 100; // set back
     pass(301);
     EXPECT_EQ(time(), QStringLiteral("1:39"));
     pass(99.1);
-    EXPECT_EQ(sound.played, 2);
+    EXPECT_EQ(platform.sounds.played.size(), 2);
 
     model().preset(5);
     loop.jump += 600; // set forward
     widget().shown(true);
-    EXPECT_EQ(sound.played, 3) << "a card never stands at 0:00";
+    EXPECT_EQ(platform.sounds.played.size(), 3) << "a card never stands at 0:00";
 }
 
 TEST_F(TimerTest, ANoticeWaitsForAMinuteAtMost)
@@ -206,7 +198,7 @@ TEST_F(TimerTest, WakesForWhatIsSeen)
     EXPECT_EQ(loop.inner.waiting(), 1);
     host.surface.setDisplaysAsleep(false);
     pass(58.01);
-    EXPECT_EQ(sound.played, 1);
+    EXPECT_EQ(platform.sounds.played.size(), 1);
     EXPECT_EQ(widget().tile(), WidgetTile());
     EXPECT_EQ(loop.inner.waiting(), 0);
     model().preset(1);

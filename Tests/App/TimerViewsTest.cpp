@@ -35,7 +35,7 @@ protected:
     void press(const char* name) const { act(named(*item, QString::fromUtf8(name)), "pressAction"); }
 
     test::FakePlatform platform;
-    TimerModel model{ platform.loop, platform.preferences, platform.session, nullptr };
+    TimerModel model{ platform.loop, platform.preferences, platform.session, platform.sounds };
     TimerReadout readout{ model, platform.loop };
     TimerWidget widget{ readout };
 };

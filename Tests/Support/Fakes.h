@@ -16,6 +16,7 @@
 #include "Tests/Support/FakePointer.h"
 #include "Tests/Support/FakePreferences.h"
 #include "Tests/Support/FakeScreens.h"
+#include "Tests/Support/FakeSounds.h"
 #include "Tests/Support/FakeStatusItem.h"
 #include "Tests/Support/FakeWindows.h"
 #include "Tests/Support/FakeWorkspace.h"
@@ -45,12 +46,13 @@ struct FakePlatform {
     FakeCommands commands;
     FakePasteboard pasteboard;
     FakeKeyPoster keyPoster;
+    FakeSounds sounds;
     RecordingLog log;
 
     Platform ports()
     {
         return { loop, preferences, screens, pointer, panels, appearance, session, workspace, fetcher, counters,
-            hotKeys, keyboard, statusItem, loginItem, peers, windows, commands, pasteboard, keyPoster, log };
+            hotKeys, keyboard, statusItem, loginItem, peers, windows, commands, pasteboard, keyPoster, sounds, log };
     }
 };
 

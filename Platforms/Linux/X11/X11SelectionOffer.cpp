@@ -5,7 +5,7 @@
 namespace kestro {
 
 namespace {
-constexpr std::chrono::seconds patience{ 60 }; // of ours with a program that takes pieces
+constexpr std::chrono::seconds piecePatience{ 60 }; // with a program that takes an offer in pieces
 constexpr std::size_t mostTransfers = 64;
 constexpr uint32_t longestPiece = 256 * 1024; // bytes; larger ones only hold up everyone else at the server
 
@@ -160,7 +160,7 @@ void X11SelectionOffer::putData(xcb_window_t requestor, xcb_atom_t property, xcb
     }
     const uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
     xcb_change_window_attributes(m_link.raw(), requestor, XCB_CW_EVENT_MASK, &events);
-    m_transfers.push_back({ requestor, property, type, data, 0, X11SelectionLink::Clock::now() + patience });
+    m_transfers.push_back({ requestor, property, type, data, 0, X11SelectionLink::Clock::now() + piecePatience });
     const auto size = static_cast<uint32_t>(data.size());
     xcb_change_property(m_link.raw(), XCB_PROP_MODE_REPLACE, requestor, property, m_incremental, 32, 1, &size);
 }
@@ -177,7 +177,7 @@ bool X11SelectionOffer::putNextPiece(const xcb_property_notify_event_t& notice)
     xcb_change_property(m_link.raw(), XCB_PROP_MODE_REPLACE, transfer->requestor, transfer->property, transfer->type, 8,
         static_cast<uint32_t>(piece), transfer->data.constData() + transfer->sent);
     transfer->sent += piece;
-    transfer->until = X11SelectionLink::Clock::now() + patience;
+    transfer->until = X11SelectionLink::Clock::now() + piecePatience;
     if (piece == 0) { // the empty piece was the sign of the end
         const xcb_window_t requestor = transfer->requestor;
         m_transfers.erase(transfer);

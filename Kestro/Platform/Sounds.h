@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QString>
+
+namespace kestro {
+
+/// The desktop's event sounds. Main thread.
+class Sounds {
+public:
+    virtual ~Sounds() = default;
+
+    /// Plays the sound of that name in the desktop's sound theme, as the freedesktop.org Sound Naming Specification
+    /// lists them: "complete", "bell". Returns at once; plays nothing where there is no such sound or no sound server.
+    virtual void play(const QString& name) = 0;
+};
+
+} // namespace kestro
