@@ -73,12 +73,19 @@ check_words() {
 }
 
 # Code waits for the thing itself; the harness has the one place that lets a moment pass between two looks.
-# Excepted: X11KeyboardGrabs, which retries a grab that way still, and SocketLoad, which stands idle to be measured.
+# Excepted: SocketLoad, which stands idle to be measured.
 check_sleeps() {
     search 'qSleep|qWait\(|QThread::[mu]?sleep|\bmsleep\(|sleep_for|sleep_until|\b(u|nano|clock_nano)?sleep\(' \
-        '*.cpp' '*.h' '*.py' ':!Tests/Desktop/harness/waiting.py' ':!Platforms/Linux/X11/X11KeyboardGrabs.cpp' \
+        '*.cpp' '*.h' '*.py' ':!Tests/Desktop/harness/waiting.py' \
         ':!Benchmarks/SocketLoad.cpp' |
         none "Code that sleeps"
+}
+
+# A preference that two features declare would be read with two defaults.
+check_keys() {
+    project_files 'Kestro/*Preference*.h' | while read -r file; do
+        tr -s '\n ' ' ' <"$file" | grep -oE '\b(Key|QLatin1StringView)\( ?"[^"]+"' | sed 's/.*( \?//' | sort -u || true
+    done | sort | uniq -d | none "Preference keys that are declared in two places"
 }
 
 lines() { project_files "$@" | tr '\n' '\0' | xargs -0 -r cat | grep -c '[^[:space:]]' || true; }
@@ -120,7 +127,7 @@ check_format() {
 
 check_rules() {
     local failed=0 check
-    for check in check_sizes check_arrows check_words check_sleeps check_share check_shell check_views; do
+    for check in check_sizes check_arrows check_words check_sleeps check_keys check_share check_shell check_views; do
         "$check" || failed=1
     done
     return "$failed"
