@@ -121,4 +121,11 @@ Item {
         label: "Show all"
         onPressed: root.widget.showAll()
     }
+    PushButton {
+        anchors { right: parent.right; bottom: parent.bottom }
+        visible: root.widget.rows.count > 0
+        label: "Forget the last copy"
+        onPressed: root.widget.forgetLast()
+        Accessible.ignored: !visible
+    }
 }

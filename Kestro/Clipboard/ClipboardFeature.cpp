@@ -12,7 +12,7 @@ ClipboardFeature::ClipboardFeature(FeatureHost& host, const Platform& platform, 
     , m_host(host)
     , m_enabled(host.switches, prefs::clipboardEnabled)
     , m_model({ platform.loop, platform.preferences, platform.pasteboard, platform.log, platform.workspace,
-                  platform.windows, platform.keyPoster },
+                  platform.windows, platform.keyPoster, platform.sounds },
           ClipStorage::defaultDir(folders.home))
     , m_picker(m_model, { platform.loop, platform.screens, platform.pointer, platform.panels, platform.windows },
           [&host](QQuickWindow& window, const QVariantMap& properties) {

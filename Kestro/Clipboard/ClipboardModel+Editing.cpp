@@ -1,5 +1,6 @@
 #include "Kestro/Clipboard/ClipboardModel.h"
 #include "Kestro/Platform/Log.h"
+#include "Kestro/Platform/Sounds.h"
 
 #include <QDir>
 
@@ -11,12 +12,16 @@ constexpr double undoOpen = 10; // seconds
 
 } // namespace
 
+void ClipboardModel::beep() { m_ports.sounds.play(QStringLiteral("bell")); }
+
 bool ClipboardModel::togglePin(const ClipEntry& entry)
 {
-    if (entry.pinned)
+    if (entry.pinned) {
         deleteImages(m_history.unpin(entry.id));
-    else if (!m_history.pin(entry.id))
+    } else if (!m_history.pin(entry.id)) {
+        beep();
         return false;
+    }
     scheduleSave();
     return true;
 }
@@ -102,6 +107,7 @@ void ClipboardModel::endUndo()
     const QStringList files = std::exchange(m_undo, std::nullopt)->files;
     m_undoWork.cancel();
     deleteImages(files);
+    m_io.async([ids = storedIds(), storage = m_storage] { storage.keepFormats(ids); });
     Q_EMIT undoChanged();
 }
 

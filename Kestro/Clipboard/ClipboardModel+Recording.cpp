@@ -6,12 +6,16 @@
 #include "KestroCore/Support/Uuid.h"
 
 #include <QPointer>
+#include <algorithm>
+#include <array>
 
 namespace kestro {
 
 namespace {
 
 constexpr qint64 mostText = 64 << 20, mostImage = 256 << 20, mostFiles = 8 << 20; // bytes that are read
+constexpr qint64 mostFormat = 4 << 20; // bytes; larger ones are pictures in disguise
+constexpr std::array formatTypes{ "public.html", "public.rtf" };
 constexpr qsizetype shortText = 64 << 10; // bytes; more than these are looked at on the queue
 constexpr qsizetype keptText = ClipHistory::maxTextLength * 48; // bytes, of as many as may be kept
 
@@ -59,35 +63,53 @@ void ClipboardModel::changed(const PasteboardOffer& offer)
     case ClipSource::image:
         return readImage(offer, from, 0);
     case ClipSource::text:
-        return readText(offer, from);
+        return readText(offer, from, {});
     }
 }
 
-void ClipboardModel::readText(const PasteboardOffer& offer, const std::optional<SourceApps::App>& from)
+/// The further formats first, one after the other, then the text.
+void ClipboardModel::readText(const PasteboardOffer& offer, const std::optional<SourceApps::App>& from,
+    const ClipFormats& formats, std::size_t nextFormat)
 {
+    while (nextFormat < formatTypes.size() && !offer.types.contains(QLatin1String(formatTypes.at(nextFormat))))
+        ++nextFormat;
+    if (nextFormat < formatTypes.size()) {
+        const QString type = QLatin1String(formatTypes.at(nextFormat));
+        m_ports.pasteboard.read(offer.changeCount, type, mostFormat,
+            [=, self = QPointer(this), generation = m_generation](const std::optional<QByteArray>& data) {
+                if (!self || self->m_generation != generation)
+                    return;
+                ClipFormats more = formats;
+                if (data && !data->isEmpty())
+                    more.insert(type, *data);
+                self->readText(offer, from, more, nextFormat + 1);
+            });
+        return;
+    }
     m_ports.pasteboard.read(offer.changeCount, ClipHistory::textType, mostText,
-        [self = QPointer(this), generation = m_generation, from](const std::optional<QByteArray>& data) {
+        [self = QPointer(this), generation = m_generation, from, formats](const std::optional<QByteArray>& data) {
             if (self && data && self->m_generation == generation)
-                self->addText(*data, from);
+                self->addText(*data, from, formats);
         });
 }
 
-void ClipboardModel::addText(const QByteArray& utf8, const std::optional<SourceApps::App>& from)
+void ClipboardModel::addText(
+    const QByteArray& utf8, const std::optional<SourceApps::App>& from, const ClipFormats& formats)
 {
     if (utf8.size() <= shortText) {
         if (auto kind = kindOf(utf8))
-            add(std::move(*kind), from);
+            add(std::move(*kind), from, formats);
         return;
     }
-    onQueue([this, utf8, from, generation = m_generation]() -> MainLoop::Work {
+    onQueue([this, utf8, from, formats, generation = m_generation]() -> MainLoop::Work {
         auto kind = kindOf(utf8);
         if (!kind)
             return {};
         if (auto* text = std::get_if<ClipEntry::Text>(&*kind))
             text->text = ClipText::firstCharacters(text->text, ClipHistory::maxTextLength).toString();
-        return [this, from, generation, kind = std::move(*kind)] {
+        return [this, from, formats, generation, kind = std::move(*kind)] {
             if (generation == m_generation)
-                add(kind, from);
+                add(kind, from, formats);
         };
     });
 }
@@ -102,7 +124,7 @@ void ClipboardModel::readFiles(const PasteboardOffer& offer, const std::optional
             if (!paths.isEmpty())
                 self->add(ClipEntry::Files{ paths }, from);
             else if (offer.types.contains(ClipHistory::textType))
-                self->readText(offer, from); // addresses of pages come as a list of URIs too
+                self->readText(offer, from, {}); // addresses of pages come as a list of URIs too
         });
 }
 
@@ -152,14 +174,33 @@ void ClipboardModel::addImage(const QByteArray& data, const std::optional<Source
     });
 }
 
-void ClipboardModel::add(ClipEntry::Kind kind, const std::optional<SourceApps::App>& from)
+void ClipboardModel::add(ClipEntry::Kind kind, const std::optional<SourceApps::App>& from, const ClipFormats& formats)
 {
+    const bool isText = std::holds_alternative<ClipEntry::Text>(kind);
+    const ClipEntry::Kind added = kind;
     const auto text = [&](QString SourceApps::App::*member) {
         return from ? std::optional((*from).*member) : std::nullopt;
     };
     deleteImages(m_history.add(std::move(kind), m_ports.loop.now(), QUuid::createUuid(), text(&SourceApps::App::id),
         text(&SourceApps::App::name)));
+    if (isText)
+        keepFormats(added, formats);
     scheduleSave();
+}
+
+/// A repeated copy keeps its entry, and has the formats of the latest.
+void ClipboardModel::keepFormats(const ClipEntry::Kind& text, const ClipFormats& formats)
+{
+    const auto entry = std::ranges::find(m_history.entries(), text, &ClipEntry::kind);
+    if (entry == m_history.entries().end())
+        return;
+    m_io.async([id = entry->id, formats, storage = m_storage, &log = m_ports.log] {
+        try {
+            storage.writeFormats(id, formats);
+        } catch (const StorageError& error) {
+            log.write(QStringLiteral("Kestro: couldn't save a copied text's formats: ") + error.description());
+        }
+    });
 }
 
 } // namespace kestro

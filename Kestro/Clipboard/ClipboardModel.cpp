@@ -123,11 +123,22 @@ void ClipboardModel::scheduleSave()
     });
 }
 
+QList<QUuid> ClipboardModel::storedIds() const
+{
+    QList<QUuid> ids;
+    for (const auto& entries : { m_history.entries(), m_undo ? m_undo->before : QList<ClipEntry>() }) {
+        for (const ClipEntry& entry : entries)
+            ids.append(entry.id);
+    }
+    return ids;
+}
+
 void ClipboardModel::save()
 {
-    m_io.async([history = m_history, storage = m_storage, &log = m_ports.log] {
+    m_io.async([history = m_history, ids = storedIds(), storage = m_storage, &log = m_ports.log] {
         try {
             storage.save(history);
+            storage.keepFormats(ids);
         } catch (const StorageError& error) {
             log.write(failedSave.arg(error.description()));
         }
@@ -183,6 +194,8 @@ bool ClipboardModel::copyBack(const ClipEntry& entry, bool plain)
     QList<PasteboardItem> items;
     if (const auto* text = std::get_if<ClipEntry::Text>(&entry.kind)) {
         items.append({ { plainType, text->text.toUtf8() } });
+        if (!plain)
+            items.first().insert(m_storage.formats(entry.id));
     } else if (const auto* link = std::get_if<ClipEntry::Link>(&entry.kind)) {
         items.append({ { plainType, link->url.toUtf8() } });
         if (!plain)

@@ -13,6 +13,7 @@ class DesktopWindows;
 class KeyPoster;
 class Log;
 class PreferenceStore;
+class Sounds;
 
 /// The live history: it records what programs copy, keeps it on the disk, and puts an entry back where the user picks
 /// it. Main thread; all work on files is done in order on a queue of its own.
@@ -27,6 +28,7 @@ public:
         Workspace& workspace;
         DesktopWindows& windows;
         KeyPoster& keys;
+        Sounds& sounds;
     };
 
     /// What is stored lies in `dir`. The ports outlive it.
@@ -50,9 +52,11 @@ public:
     bool isMasked(const ClipEntry& entry) const;
     bool hasStoredData() const;
 
-    /// Puts the entry on the pasteboard; `plain` leaves everything out but its text. False where its image is gone or
-    /// there is nothing in it.
+    /// Puts the entry on the pasteboard in every format that it was copied in; `plain` leaves everything out but its
+    /// text. False where its image is gone or there is nothing in it.
     bool copyBack(const ClipEntry& entry, bool plain = false);
+    /// The desktop's sound for something that cannot be done.
+    void beep();
     std::optional<QUuid> copiedId() const { return m_copiedId; }
     bool pastesAfterPicking() const;
     /// Whether keys can be posted to other programs at all.
@@ -60,7 +64,7 @@ public:
     /// Types the paste into the window, as soon as it has the focus and if it has it then.
     void paste(quint32 window);
 
-    /// False where there are as many pins as may be.
+    /// False, with a beep, where there are as many pins as may be.
     bool togglePin(const ClipEntry& entry);
     void remove(const QUuid& id);
     void clear(bool includingPinned);
@@ -98,16 +102,21 @@ private:
     // Recording
     void changed(const PasteboardOffer& offer);
     std::optional<SourceApps::App> source(const PasteboardOffer& offer, QSet<QString>& frontmost);
-    void readText(const PasteboardOffer& offer, const std::optional<SourceApps::App>& from);
+    void readText(const PasteboardOffer& offer, const std::optional<SourceApps::App>& from, const ClipFormats& formats,
+        std::size_t nextFormat = 0);
     void readFiles(const PasteboardOffer& offer, const std::optional<SourceApps::App>& from);
     void readImage(const PasteboardOffer& offer, const std::optional<SourceApps::App>& from, std::size_t type);
-    void addText(const QByteArray& utf8, const std::optional<SourceApps::App>& from);
+    void addText(const QByteArray& utf8, const std::optional<SourceApps::App>& from, const ClipFormats& formats);
     void addImage(const QByteArray& data, const std::optional<SourceApps::App>& from);
-    void add(ClipEntry::Kind kind, const std::optional<SourceApps::App>& from);
+    void add(ClipEntry::Kind kind, const std::optional<SourceApps::App>& from, const ClipFormats& formats = {});
+
+    void keepFormats(const ClipEntry::Kind& text, const ClipFormats& formats);
 
     void deleteImages(const QStringList& names);
     void scheduleSave();
     void save();
+    /// Of the history, and of what can be brought back.
+    QList<QUuid> storedIds() const;
     void clearStored(bool includingPinned);
     void beginUndo(QString text, const QList<ClipEntry>& before, QStringList files);
     void endUndo();

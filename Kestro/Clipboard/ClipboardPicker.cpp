@@ -206,8 +206,10 @@ void ClipboardPicker::pickEntry(const QUuid& id, bool paste, bool plain)
     const ClipEntry* entry = m_model.history().entry(id);
     if (!entry)
         return;
-    if (!m_model.copyBack(*entry, plain))
+    if (!m_model.copyBack(*entry, plain)) {
+        m_model.beep();
         return tell(QStringLiteral("There is nothing left of it to copy"));
+    }
     const quint32 target = m_target;
     close();
     if (paste)

@@ -76,6 +76,8 @@ void ClipboardWidget::paste(const QString& id)
         m_model.paste(m_windows.active());
 }
 
+void ClipboardWidget::forgetLast() { m_model.forgetLast(); }
+
 void ClipboardWidget::togglePin(const QString& id)
 {
     if (const ClipEntry* entry = m_model.history().entry(QUuid::fromString(id)))

@@ -28,6 +28,8 @@ public:
     Q_INVOKABLE void paste(const QString& id);
     Q_INVOKABLE void togglePin(const QString& id);
     Q_INVOKABLE void showAll();
+    /// Removes the newest entry that is not pinned.
+    Q_INVOKABLE void forgetLast();
 
     QString cardView() const override { return QStringLiteral("Clipboard/ClipboardCard"); }
     double bodyHeight(const Look& look) const override;

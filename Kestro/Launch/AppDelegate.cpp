@@ -86,6 +86,7 @@ void AppDelegate::applicationWillTerminate()
     m_theme.disconnect(this);
     m_platform.statusItem.hide();
     m_model.finish();
+    m_platform.pasteboard.handOver();
     m_platform.preferences.flush();
 }
 

@@ -49,6 +49,10 @@ public:
     /// Takes the pasteboard. `items` stay available, also to programs that ask late, until another program copies.
     virtual void write(const QList<PasteboardItem>& items) = 0;
 
+    /// The process is about to end: hands the items to a clipboard manager where there is one, for a limited time.
+    /// Nothing else may be called afterwards.
+    virtual void handOver() = 0;
+
 Q_SIGNALS:
     /// A program has copied something. Not told of what `write` puts there.
     void changed(const kestro::PasteboardOffer& offer);

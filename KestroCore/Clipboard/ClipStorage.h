@@ -4,12 +4,18 @@
 #include "KestroCore/Support/StorageError.h"
 
 #include <QByteArray>
+#include <QList>
+#include <QMap>
 #include <QString>
+#include <QUuid>
 
 namespace kestro {
 
-/// The history's folder: one JSON document and one file an image, readable for the user alone. Each call blocks on the
-/// disk; calls for one folder come one after the other.
+/// The further formats in which a text was copied, by type: its layout beside its letters.
+using ClipFormats = QMap<QString, QByteArray>;
+
+/// The history's folder: one JSON document, one file an image, and one for a text with further formats, readable for
+/// the user alone. Each call blocks on the disk; calls for one folder come one after the other.
 struct ClipStorage {
     QString dir;
 
@@ -26,11 +32,18 @@ struct ClipStorage {
     void writeImage(const QByteArray& data, const QString& name) const;
     /// Names of files that are not there, or that lead out of the folder, are passed over.
     void deleteImages(const QStringList& names) const;
+    /// Replaces those of the entry; an empty map removes them. Throws StorageError.
+    void writeFormats(const QUuid& id, const ClipFormats& formats) const;
+    /// Empty where there are none, or where they cannot be read.
+    ClipFormats formats(const QUuid& id) const;
+    /// Removes the formats of all entries but these.
+    void keepFormats(const QList<QUuid>& ids) const;
     /// Removes all but what was set aside.
     void clear() const;
 
     QString historyPath() const;
     QString imagePath(const QString& name) const;
+    QString formatsPath(const QUuid& id) const;
 };
 
 /// The document, read and written. Pure functions, from any thread.

@@ -69,7 +69,7 @@ protected:
     FakeKeyPoster& keys = ports.keyPoster;
     std::optional<ClipboardModel> model{ std::in_place,
         ClipboardModel::Ports{
-            ports.loop, ports.preferences, pasteboard, ports.log, ports.workspace, ports.windows, keys },
+            ports.loop, ports.preferences, pasteboard, ports.log, ports.workspace, ports.windows, keys, ports.sounds },
         dir };
 };
 

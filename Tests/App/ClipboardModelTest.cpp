@@ -98,6 +98,36 @@ TEST_F(ClipboardWatch, longTextsAreCutOffTheMainThread)
     EXPECT_EQ(previews().size(), 2) << "bytes that are no text are still shown as well as can be";
 }
 
+TEST_F(ClipboardWatch, aPickHasTheFormatsOfTheLatestCopy)
+{
+    const QString html = u"public.html"_qs;
+    const auto picked = [&](bool plainly) {
+        EXPECT_TRUE(model->copyBack(first(), plainly));
+        return pasteboard.written.value(0).value(html);
+    };
+    turnOn();
+    pasteboard.copy({ { plain, "bold" }, { html, "<b>bold</b>" }, { u"public.rtf"_qs, QByteArray(5 << 20, 'x') } });
+    settle();
+    EXPECT_EQ(picked(false), "<b>bold</b>");
+    EXPECT_EQ(picked(true), QByteArray());
+    model->setEnabled(false);
+    turnOn();
+    EXPECT_EQ(picked(false), "<b>bold</b>") << "after a restart";
+    model->remove(first().id);
+    ports.loop.advance(5); // saved without it
+    model->undo();
+    settle();
+    EXPECT_EQ(picked(false), "<b>bold</b>") << "brought back";
+    pasteboard.copyText("bold");
+    settle();
+    EXPECT_EQ(picked(false), QByteArray());
+    pasteboard.copy({ { plain, "gone" }, { html, "<i>gone</i>" } });
+    settle();
+    model->clear(true);
+    settle();
+    EXPECT_THAT(QDir(dir + u"/formats"_qs).entryList(QDir::Files), IsEmpty());
+}
+
 TEST_F(ClipboardWatch, whatIsLateIsDropped)
 {
     turnOn();

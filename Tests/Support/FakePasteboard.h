@@ -23,6 +23,7 @@ public:
         done(isThere ? std::optional(*found) : std::nullopt);
     }
     void write(const QList<PasteboardItem>& items) override { written = items; }
+    void handOver() override { written.clear(); }
 
     /// A program of that class copies; more may have been active shortly before.
     void copy(const QMap<QString, QByteArray>& what, const QStringList& frontmost = {}, const QString& owner = {})

@@ -4,6 +4,13 @@
 
 namespace kestro {
 
+namespace {
+
+// Within the time that the end of the process has, of which saving takes some.
+constexpr std::chrono::milliseconds handOverLimit(700);
+
+} // namespace
+
 X11Pasteboard::X11Pasteboard(MainLoop& loop, std::chrono::milliseconds patience)
     : m_loop(loop)
     , m_patience(patience)
@@ -15,6 +22,14 @@ X11Pasteboard::~X11Pasteboard()
     if (m_thread)
         m_thread->end();
     m_queue.reset();
+}
+
+void X11Pasteboard::handOver()
+{
+    if (!m_thread)
+        return;
+    m_thread->end();
+    m_queue->drainFor(handOverLimit);
 }
 
 X11SelectionThread& X11Pasteboard::thread()

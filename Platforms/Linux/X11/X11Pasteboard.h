@@ -17,13 +17,13 @@ class X11Pasteboard final : public Pasteboard {
 public:
     /// `loop` outlives it. `patience` is how long a program may be silent that was asked for data.
     explicit X11Pasteboard(MainLoop& loop, std::chrono::milliseconds patience = std::chrono::seconds(5));
-    /// Hands what is ours to a clipboard manager, where there is one; that takes a second at most.
     ~X11Pasteboard() override;
 
     void watch(bool on) override;
     void read(qint64 changeCount, const QString& type, qint64 limit,
         std::function<void(const std::optional<QByteArray>&)> done) override;
     void write(const QList<PasteboardItem>& items) override;
+    void handOver() override;
 
 private:
     X11SelectionThread& thread();
