@@ -1,14 +1,15 @@
 import QtQuick
+import Kestro.Agents
 import Kestro.Style
 
 // The AI window: all sessions, and below them the usage limits.
 Rectangle {
     id: root
 
-    required property var widget
-    required property var toolTips
-    readonly property var agents: widget.agents
-    readonly property var limits: widget.limits
+    required property AgentsWidget widget
+    required property QtObject toolTips
+    readonly property AgentsModel agents: widget.agents
+    readonly property LimitsModel limits: widget.limits
     readonly property bool seen: Window.visibility !== Window.Hidden && Window.visibility !== Window.Minimized
     readonly property real margins: 20
     readonly property real padding: 8

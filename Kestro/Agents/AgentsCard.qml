@@ -1,14 +1,15 @@
 import QtQuick
+import Kestro.Agents
 import Kestro.Style
 
 // The card of the agents: their sessions, and below them how much of their limits is used.
 Item {
     id: root
 
-    required property var widget
-    required property var toolTips
-    readonly property var agents: widget.agents
-    readonly property var limits: widget.limits
+    required property AgentsWidget widget
+    required property QtObject toolTips
+    readonly property AgentsModel agents: widget.agents
+    readonly property LimitsModel limits: widget.limits
 
     // The highlight of a row has room on either side.
     Column {

@@ -1,12 +1,13 @@
 import QtQuick
+import Kestro.Agents
 import Kestro.Style
 
 /// The pane of the agents: whose sessions are shown, their limits, and whether their hooks work.
 Pane {
     id: pane
 
-    readonly property var agents: subject.agents
-    readonly property var limits: subject.limits
+    readonly property AgentsModel agents: subject.agents
+    readonly property LimitsModel limits: subject.limits
     readonly property var health: subject.health
 
     // Failures of the section above.

@@ -7,7 +7,7 @@ Column {
     required property var rows
     property var errorLines: []
     property string barStyle: "trafficLight"
-    property var toolTips: null
+    property QtObject toolTips: null
     property real fiveHoursColumn: 0
     property real weekColumn: 0
 

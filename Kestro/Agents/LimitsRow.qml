@@ -12,7 +12,7 @@ Item {
     required property string note
     required property string source
     property string barStyle: "trafficLight"
-    property var toolTips: null
+    property QtObject toolTips: null
     /// How wide the columns of the gauges are, so that those of several rows stand below each other.
     property real fiveHoursColumn: fiveHoursWidth
     property real weekColumn: weekWidth

@@ -6,8 +6,8 @@ import Kestro.Clipboard
 Item {
     id: root
 
-    required property var widget
-    required property var toolTips
+    required property ClipboardWidget widget
+    required property QtObject toolTips
 
     Column {
         x: -8

@@ -5,7 +5,7 @@ Item {
     id: root
 
     required property var widget
-    required property var toolTips
+    required property QtObject toolTips
     readonly property var card: widget.card
 
     StatsRow {

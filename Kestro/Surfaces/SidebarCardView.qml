@@ -6,7 +6,7 @@ Item {
     id: root
 
     required property var model
-    required property var toolTips
+    required property QtObject toolTips
     required property real shadowRoom
 
     // Slides the card from `offset` to its place while it fades in.

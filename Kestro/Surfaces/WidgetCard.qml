@@ -6,7 +6,7 @@ Item {
     id: root
 
     required property var model
-    required property var toolTips
+    required property QtObject toolTips
     readonly property var widget: model.card
     readonly property string title: widget ? widget.title : ""
 
