@@ -9,8 +9,8 @@ class Sounds {
 public:
     virtual ~Sounds() = default;
 
-    /// Plays the sound of that name in the desktop's sound theme, as the freedesktop.org Sound Naming Specification
-    /// lists them: "complete", "bell". Returns at once; plays nothing where there is no such sound or no sound server.
+    /// Plays the sound of that name in the desktop's sound theme, by the names that freedesktop.org has set for themes:
+    /// "complete", "bell". Returns at once; plays nothing where there is no such sound or no sound server.
     virtual void play(const QString& name) = 0;
 };
 
