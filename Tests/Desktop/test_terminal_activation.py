@@ -144,6 +144,8 @@ class Test(DesktopTest):
         self.addCleanup(subprocess.run, [*server, "kill-server"], check=False, capture_output=True)
         agent = Agent(self, "zeta", [*server, "new-session", "-d", "-x", "80", "-y", "24"])
         other, other_window = self.xterm("eta")
+        # A client that attaches to no session ends at once, and its window with it.
+        wait_for(lambda: subprocess.run([*server, "has-session"], capture_output=True, check=False).returncode == 0)
         client = subprocess.Popen(["xterm", "-T", "theta", "-e", *server, "attach"], start_new_session=True)
         self.addCleanup(client.wait)
         self.addCleanup(client.kill)

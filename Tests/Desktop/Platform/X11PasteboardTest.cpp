@@ -146,11 +146,11 @@ TEST_F(X11PasteboardTest, hostileOwners)
 {
     using Manner = X11SelectionPeer::Manner;
     const std::pair<const char*, Manner> table[] = {
-        { "refuses", Manner::Refuses },
-        { "says yes and gives nothing", Manner::GivesNothing },
-        { "announces two gigabytes and sends without end", Manner::SendsWithoutEnd },
-        { "sends more at once than is wanted", Manner::SendsTooMuch },
-        { "changes the selection before it answers", Manner::IsReplaced },
+        { "refuses", Manner::refuses },
+        { "says yes and gives nothing", Manner::givesNothing },
+        { "announces two gigabytes and sends without end", Manner::sendsWithoutEnd },
+        { "sends more at once than is wanted", Manner::sendsTooMuch },
+        { "changes the selection before it answers", Manner::isReplaced },
     };
     for (const auto& [what, manner] : table) {
         offers.clear();
@@ -165,10 +165,10 @@ TEST_F(X11PasteboardTest, hostileOwners)
 TEST_F(X11PasteboardTest, ownersThatFallSilentAreGivenUp)
 {
     using Manner = X11SelectionPeer::Manner;
-    peer.own({ { "UTF8_STRING", "x" } }, Manner::IsSilent);
+    peer.own({ { "UTF8_STRING", "x" } }, Manner::isSilent);
     ASSERT_TRUE(offered(1));
     EXPECT_EQ(readLatest(plain), std::nullopt);
-    peer.own({ { "UTF8_STRING", "x" } }, Manner::DiesHalfway);
+    peer.own({ { "UTF8_STRING", "x" } }, Manner::diesHalfway);
     ASSERT_TRUE(offered(2));
     EXPECT_EQ(readLatest(plain), std::nullopt);
 }
@@ -176,7 +176,7 @@ TEST_F(X11PasteboardTest, ownersThatFallSilentAreGivenUp)
 TEST_F(X11PasteboardTest, targetsThatAreNoneAreNotTold)
 {
     using Manner = X11SelectionPeer::Manner;
-    peer.own({ { "UTF8_STRING", "x" } }, Manner::LiesAboutTargets);
+    peer.own({ { "UTF8_STRING", "x" } }, Manner::liesAboutTargets);
     peer.own({ { "UTF8_STRING", "y" } });
     ASSERT_TRUE(offered(1));
     EXPECT_EQ(readLatest(plain), "y");

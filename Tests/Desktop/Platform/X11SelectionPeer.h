@@ -11,15 +11,15 @@ namespace kestro::test {
 class X11SelectionPeer {
 public:
     enum class Manner {
-        Normal,
-        IsSilent,
-        Refuses,
-        GivesNothing,
-        SendsTooMuch,
-        SendsWithoutEnd,
-        DiesHalfway,
-        IsReplaced,
-        LiesAboutTargets
+        normal,
+        isSilent,
+        refuses,
+        givesNothing,
+        sendsTooMuch,
+        sendsWithoutEnd,
+        diesHalfway,
+        isReplaced,
+        liesAboutTargets
     };
 
     X11SelectionPeer()
@@ -32,7 +32,7 @@ public:
             [this](const auto& event) { changed(reinterpret_cast<const xcb_property_notify_event_t&>(event)); });
     }
 
-    void own(const QMap<QByteArray, QByteArray>& data, Manner manner = Manner::Normal)
+    void own(const QMap<QByteArray, QByteArray>& data, Manner manner = Manner::normal)
     {
         m_data = data;
         m_manner = manner;
@@ -50,7 +50,7 @@ public:
     {
         m_isWaiting = false;
         m_takesPieces = true;
-        xcb_delete_property(raw, m_window, m_waitingPlace);
+        xcb_delete_property(m_raw, m_window, m_waitingPlace);
         connection.flush();
         EXPECT_TRUE(waitFor([this] { return m_got.contains(m_waitingPlace); }));
         return m_got.take(m_waitingPlace).value_or(QByteArray());
@@ -63,7 +63,7 @@ public:
         for (const QByteArray& target : targets)
             pairs << atom(target) << atom("PLACE " + target);
         const xcb_atom_t list = atom("PAIRS");
-        xcb_change_property(raw, XCB_PROP_MODE_REPLACE, m_window, list, atom("ATOM_PAIR"), 32, uint32_t(pairs.size()),
+        xcb_change_property(m_raw, XCB_PROP_MODE_REPLACE, m_window, list, atom("ATOM_PAIR"), 32, uint32_t(pairs.size()),
             pairs.constData());
         convert(atom("CLIPBOARD"), "MULTIPLE", "PAIRS");
         EXPECT_TRUE(waitFor([&] { return m_got.contains(list); }));
@@ -85,7 +85,7 @@ public:
     void manageClipboard()
     {
         m_takesPieces = true;
-        xcb_set_selection_owner(raw, m_window, atom("CLIPBOARD_MANAGER"), connection.serverTime());
+        xcb_set_selection_owner(m_raw, m_window, atom("CLIPBOARD_MANAGER"), connection.serverTime());
         connection.flush();
     }
     std::optional<QByteArray> saved(const char* target) { return m_got.value(atom(target)); }
@@ -102,15 +102,15 @@ private:
     xcb_atom_t atom(const QByteArray& name) { return connection.atom(name); }
     xcb_window_t makeWindow() const
     {
-        const xcb_window_t window = xcb_generate_id(raw);
+        const xcb_window_t window = xcb_generate_id(m_raw);
         const uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
-        xcb_create_window(raw, XCB_COPY_FROM_PARENT, window, connection.root(), 0, 0, 1, 1, 0,
+        xcb_create_window(m_raw, XCB_COPY_FROM_PARENT, window, connection.root(), 0, 0, 1, 1, 0,
             XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events);
         return window;
     }
     void takeOver()
     {
-        xcb_set_selection_owner(raw, m_window, atom("CLIPBOARD"), connection.serverTime());
+        xcb_set_selection_owner(m_raw, m_window, atom("CLIPBOARD"), connection.serverTime());
         connection.flush();
     }
 
@@ -118,13 +118,13 @@ private:
     {
         if (request.selection == atom("CLIPBOARD_MANAGER"))
             return save(request);
-        const auto reply = connection.reply(xcb_get_atom_name_reply, xcb_get_atom_name(raw, request.target));
+        const auto reply = connection.reply(xcb_get_atom_name_reply, xcb_get_atom_name(m_raw, request.target));
         const QByteArray target(xcb_get_atom_name_name(reply.get()), xcb_get_atom_name_name_length(reply.get()));
         m_asked.append(target);
         xcb_atom_t property = request.property;
         if (target == "TARGETS")
             putTargets(request);
-        else if (m_manner == Manner::IsSilent)
+        else if (m_manner == Manner::isSilent)
             return;
         else if (!putData(request, m_data.value(target)))
             property = XCB_ATOM_NONE;
@@ -132,36 +132,36 @@ private:
     }
     void putTargets(const xcb_selection_request_event_t& request)
     {
-        if (m_manner == Manner::LiesAboutTargets)
+        if (m_manner == Manner::liesAboutTargets)
             return put(request.requestor, request.property, "nonsense");
         QList<uint32_t> targets{ atom("TARGETS") };
         for (const QByteArray& target : m_data.keys())
             targets.append(atom(target));
-        xcb_change_property(raw, XCB_PROP_MODE_REPLACE, request.requestor, request.property, XCB_ATOM_ATOM, 32,
+        xcb_change_property(m_raw, XCB_PROP_MODE_REPLACE, request.requestor, request.property, XCB_ATOM_ATOM, 32,
             uint32_t(targets.size()), targets.constData());
     }
     bool putData(const xcb_selection_request_event_t& request, const QByteArray& data)
     {
         switch (m_manner) {
-        case Manner::Refuses:
+        case Manner::refuses:
             return false;
-        case Manner::GivesNothing:
+        case Manner::givesNothing:
             return true;
-        case Manner::SendsTooMuch:
+        case Manner::sendsTooMuch:
             put(request.requestor, request.property, QByteArray(2 << 20, 'x'));
             return true;
-        case Manner::IsReplaced:
+        case Manner::isReplaced:
             m_window = makeWindow();
             takeOver();
             put(request.requestor, request.property, "of the one before");
             return true;
-        case Manner::SendsWithoutEnd:
-        case Manner::DiesHalfway: {
+        case Manner::sendsWithoutEnd:
+        case Manner::diesHalfway: {
             const uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE, size = 2U << 30;
-            xcb_change_window_attributes(raw, request.requestor, XCB_CW_EVENT_MASK, &events);
+            xcb_change_window_attributes(m_raw, request.requestor, XCB_CW_EVENT_MASK, &events);
             m_streams.append({ request.requestor, request.property });
             xcb_change_property(
-                raw, XCB_PROP_MODE_REPLACE, request.requestor, request.property, atom("INCR"), 32, 1, &size);
+                m_raw, XCB_PROP_MODE_REPLACE, request.requestor, request.property, atom("INCR"), 32, 1, &size);
             return true;
         }
         default:
@@ -171,8 +171,8 @@ private:
     }
     void put(xcb_window_t window, xcb_atom_t property, const QByteArray& data) const
     {
-        xcb_change_property(
-            raw, XCB_PROP_MODE_REPLACE, window, property, XCB_ATOM_STRING, 8, uint32_t(data.size()), data.constData());
+        xcb_change_property(m_raw, XCB_PROP_MODE_REPLACE, window, property, XCB_ATOM_STRING, 8, uint32_t(data.size()),
+            data.constData());
     }
     void notify(const xcb_selection_request_event_t& request, xcb_atom_t property)
     {
@@ -183,7 +183,7 @@ private:
         notice.selection = request.selection;
         notice.target = request.target;
         notice.property = property;
-        xcb_send_event(raw, false, request.requestor, 0, reinterpret_cast<const char*>(&notice));
+        xcb_send_event(m_raw, false, request.requestor, 0, reinterpret_cast<const char*>(&notice));
         connection.flush();
     }
 
@@ -198,7 +198,7 @@ private:
     // As the one who pastes
     void convert(xcb_atom_t selection, const char* target, const char* place)
     {
-        xcb_convert_selection(raw, m_window, selection, atom(target), atom(place), connection.serverTime());
+        xcb_convert_selection(m_raw, m_window, selection, atom(target), atom(place), connection.serverTime());
         connection.flush();
     }
     void notified(const xcb_selection_notify_event_t& event)
@@ -209,7 +209,7 @@ private:
     void receive(xcb_atom_t place)
     {
         const auto data = connection.reply(
-            xcb_get_property_reply, xcb_get_property(raw, m_takesPieces, m_window, place, XCB_ATOM_ANY, 0, 1 << 24));
+            xcb_get_property_reply, xcb_get_property(m_raw, m_takesPieces, m_window, place, XCB_ATOM_ANY, 0, 1 << 24));
         if (!data || data->type == XCB_ATOM_NONE)
             return;
         if (data->type == atom("INCR")) {
@@ -242,16 +242,16 @@ private:
             const bool isMeant = stream.requestor == event.window && stream.property == event.atom;
             if (!isMeant || event.state != XCB_PROPERTY_DELETE)
                 continue;
-            if (m_manner == Manner::SendsWithoutEnd || stream.pieces++ == 0)
+            if (m_manner == Manner::sendsWithoutEnd || stream.pieces++ == 0)
                 put(stream.requestor, stream.property, QByteArray(65536, 'x'));
             connection.flush();
         }
     }
 
-    xcb_connection_t* raw = connection.raw();
+    xcb_connection_t* m_raw = connection.raw();
     xcb_window_t m_window = makeWindow();
     QMap<QByteArray, QByteArray> m_data;
-    Manner m_manner = Manner::Normal;
+    Manner m_manner = Manner::normal;
     QByteArrayList m_asked;
     QList<Stream> m_streams;
     QHash<xcb_atom_t, QByteArray> m_pieces;
