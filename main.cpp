@@ -59,6 +59,8 @@ int main(int, char** argv)
     const Folders folders = Folders::under(QDir::homePath());
     // Before the folders are moved and the socket is taken: both belong to the process that runs.
     StderrLog log;
+    if (qEnvironmentVariableIsSet("KESTRO_PRINT_STATS"))
+        return LinuxPlatform::printStats();
     SingleInstance instance(folders.caches, log);
     if (!instance.claim())
         return 0;

@@ -42,6 +42,7 @@ AppModel::AppModel(const Platform& platform, const Folders& folders)
     connect(&m_launcher, &LauncherModel::storeChanged, this, &AppModel::changed);
     connect(&m_launcher, &LauncherModel::faviconsChanged, this, &AppModel::tilesChanged);
     connect(&m_launcher, &LauncherModel::noticeChanged, this, &AppModel::changed);
+    connect(&m_stats.running(), &RunningAppsModel::changed, this, &AppModel::tilesChanged);
 }
 
 AppModel::~AppModel() = default;

@@ -98,7 +98,7 @@ private:
     std::optional<QUuid> m_settingsTarget;
 
     // Every feature, in start order: a new one is one line here
-    StatsFeature m_stats{ m_host, m_platform.loop, m_platform.preferences, m_platform.counters };
+    StatsFeature m_stats{ m_host, m_launcher, m_platform, m_folders.home };
     AgentsFeature m_agents{ m_host, m_platform, m_folders };
     TimerFeature m_timer{ m_host, m_launcher,
         { m_platform.loop, m_platform.preferences, m_platform.session, m_platform.sounds } };

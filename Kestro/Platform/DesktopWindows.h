@@ -2,6 +2,8 @@
 
 #include <QString>
 #include <QtGlobal>
+#include <functional>
+#include <memory>
 #include <vector>
 
 namespace kestro {
@@ -27,6 +29,11 @@ public:
     /// Goes to the window's desktop, brings it back if it is minimised, raises it and gives it the keyboard. False
     /// where it is not there any more.
     virtual bool raise(quint32 id) = 0;
+    /// Asks the window to close, as its title bar's button does; its program may ask the user first. False where it is
+    /// not there any more.
+    virtual bool close(quint32 id) = 0;
+    /// Calls `changed` when windows have opened or closed, for as long as what is returned lives.
+    virtual std::shared_ptr<void> watch(std::function<void()> changed) = 0;
 };
 
 } // namespace kestro

@@ -17,6 +17,7 @@ class Pasteboard;
 class PeerInspector;
 class Pointer;
 class PreferenceStore;
+class ProcessTable;
 class Screens;
 class SessionEvents;
 class Sounds;
@@ -36,6 +37,7 @@ struct Platform {
     Workspace& workspace;
     Fetcher& fetcher;
     SystemCounters& counters;
+    ProcessTable& processes;
     HotKeys& hotKeys;
     KeyboardGrabs& keyboard;
     StatusItem& statusItem;

@@ -17,7 +17,6 @@ using OptionalData = Preference<std::optional<QByteArray>>;
 namespace clamps {
 inline double magnification(double scale) { return std::clamp(scale, DockLayout::minScale, DockLayout::maxScaleLimit); }
 inline double atLeastZero(double value) { return std::max(value, 0.0); }
-inline double refreshInterval(double seconds) { return seconds == 1 || seconds == 5 ? seconds : 2; }
 } // namespace clamps
 
 // Surfaces and appearance
@@ -96,16 +95,6 @@ inline constexpr OptionalData windowZones{ Key("windowZones") };
 inline constexpr OptionalData windowLayouts{ Key("windowLayouts") };
 inline constexpr OptionalData windowZonesCorrupt{ Key("windowZones.corrupt") };
 inline constexpr OptionalData windowLayoutsCorrupt{ Key("windowLayouts.corrupt") };
-
-// Statistics
-inline constexpr Preference<bool> showCPU{ Key("showCPU"), true };
-inline constexpr Preference<bool> showRAM{ Key("showRAM"), true };
-inline constexpr Preference<bool> showBattery{ Key("showBattery"), true };
-inline constexpr Preference<bool> showTemp{ Key("showTemp"), true };
-inline constexpr Preference<bool> showGPU{ Key("showGPU"), true };
-inline constexpr Preference<bool> showSSD{ Key("showSSD"), true };
-inline constexpr Preference<double> statsRefreshInterval{ Key("statsRefreshInterval"), 2,
-    clamps::refreshInterval }; ///< seconds
 
 // Live activities, by kind
 inline constexpr PreferenceFamily<bool> liveActivity{ Key("liveActivity."), true };

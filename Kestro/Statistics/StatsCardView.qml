@@ -1,6 +1,7 @@
 import QtQuick
+import Kestro.Style
 
-// The card of the readings.
+// The card of the readings, above the busiest applications.
 Item {
     id: root
 
@@ -9,13 +10,12 @@ Item {
     readonly property var card: widget.card
 
     StatsRow {
-        anchors { left: parent.left; right: parent.right; verticalCenter: parent.verticalCenter }
-        cpuText: root.card.cpuText
-        cpuLevel: root.card.cpuLevel
-        memoryText: root.card.memoryText
-        memoryLevel: root.card.memoryLevel
-        showCPU: root.card.showCPU
-        showRAM: root.card.showRAM
+        anchors { left: parent.left; right: parent.right; top: parent.top }
+        cells: root.card
         barStyle: root.card.barStyle
+    }
+    TopAppsLine {
+        anchors { left: parent.left; right: parent.right; bottom: parent.bottom }
+        card: root.card
     }
 }

@@ -1,36 +1,48 @@
 import QtQuick
+import Kestro.Style
 
-/// The cells of the Stats card, equally wide. A level below 0 has no bar.
-Row {
+/// The cells of the Stats card, from edge to edge: what their words leave is shared out evenly.
+Item {
     id: row
 
-    property string cpuText: ""
-    property real cpuLevel: -1
-    property string memoryText: ""
-    property real memoryLevel: -1
-    property bool showCPU: true
-    property bool showRAM: true
+    required property var cells ///< a model of StatCell's properties
     property string barStyle: "trafficLight"
 
-    readonly property int cells: (showCPU ? 1 : 0) + (showRAM ? 1 : 0)
-    readonly property real cellWidth: cells === 0 ? 0 : Math.floor((width - (cells - 1) * spacing) / cells)
+    readonly property real spacing: repeater.count > 4 ? 12 : 24
+    property real wanted: 0
 
-    spacing: 24
-
-    StatCell {
-        width: row.cellWidth
-        visible: row.showCPU
-        label: "CPU"
-        value: row.cpuText
-        level: row.cpuLevel
-        barStyle: row.barStyle
+    function measure() {
+        let sum = 0;
+        for (let i = 0; i < repeater.count; ++i)
+            sum += repeater.itemAt(i)?.implicitWidth ?? 0;
+        wanted = sum;
     }
-    StatCell {
-        width: row.cellWidth
-        visible: row.showRAM
-        label: "MEMORY"
-        value: row.memoryText
-        level: row.memoryLevel
-        barStyle: row.barStyle
+
+    implicitHeight: 52 * Theme.growth
+
+    Row {
+        spacing: row.spacing
+
+        Repeater {
+            id: repeater
+
+            model: row.cells
+            onCountChanged: row.measure()
+
+            StatCell {
+                readonly property real spare: row.width - row.wanted - (repeater.count - 1) * row.spacing
+
+                width: Math.max(0, implicitWidth + spare / repeater.count)
+                small: repeater.count > 3
+                barStyle: row.barStyle
+                onImplicitWidthChanged: row.measure()
+
+                required label
+                required value
+                required level
+                required lowIsBad
+                required charging
+            }
+        }
     }
 }

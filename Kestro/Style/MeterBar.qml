@@ -7,6 +7,7 @@ Item {
 
     property real level: -1
     property string style: "trafficLight"
+    property color fill: Theme.meter(level, style)
 
     implicitHeight: 5
     visible: level >= 0
@@ -23,6 +24,6 @@ Item {
         width: share > 0 ? Math.max(height, parent.width * share) : 0
         height: parent.height
         radius: height / 2
-        color: Theme.meter(bar.level, bar.style)
+        color: bar.fill
     }
 }

@@ -15,6 +15,7 @@ Item {
     required property string badgeText
     required property bool isDivider
     required property rect frame
+    required property int windowCount
     required property var controller
     required property var dock
 
@@ -29,7 +30,7 @@ Item {
 
     Accessible.role: isDivider ? Accessible.Separator : Accessible.Button
     Accessible.name: name
-    Accessible.description: badgeText
+    Accessible.description: windowCount > 0 ? "Running" : badgeText
     Accessible.focusable: true
     Accessible.onPressAction: root.controller.clickItem(root.index)
 
@@ -85,6 +86,23 @@ Item {
         radius: root.isDivider ? 3 : width * 0.26
         color: "transparent"
         border { width: 2; color: Theme.accent }
+    }
+
+    // One dot for an application with a window, two for one with several.
+    Row {
+        anchors { horizontalCenter: parent.horizontalCenter; top: parent.bottom; topMargin: 1 }
+        spacing: 2
+
+        Repeater {
+            model: Math.min(root.windowCount, 2)
+
+            Rectangle {
+                width: 4
+                height: 4
+                radius: 2
+                color: Theme.secondaryInk
+            }
+        }
     }
 
     Badge {

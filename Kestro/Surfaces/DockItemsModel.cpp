@@ -9,7 +9,7 @@ namespace kestro {
 
 bool DockItemsModel::Row::looksLike(const Row& other) const
 {
-    return item == other.item && name == other.name && look == other.look
+    return item == other.item && name == other.name && look == other.look && windows == other.windows
         && picture.cacheKey() == other.picture.cacheKey();
 }
 
@@ -20,7 +20,8 @@ DockItemsModel::DockItemsModel(AppModel& model)
 
 DockItemsModel::Row DockItemsModel::rowOf(const LaunchItem& item) const
 {
-    Row row{ item, m_model.launcher().displayName(item), m_model.launcher().icon(item), {}, {} };
+    Row row{ item, m_model.launcher().displayName(item), m_model.launcher().icon(item), {},
+        m_model.stats().running().windows(item), {} };
     if (const Widget* widget = m_model.items().find(item.widget()))
         row.look = widget->tile();
     if (!m_live) {
@@ -101,6 +102,8 @@ QVariant DockItemsModel::data(const QModelIndex& index, int role) const
         return row.look.badgeText;
     case IsDivider:
         return row.item.isDivider();
+    case Windows:
+        return row.windows;
     case Frame:
         return row.frame;
     default:
@@ -111,7 +114,8 @@ QVariant DockItemsModel::data(const QModelIndex& index, int role) const
 QHash<int, QByteArray> DockItemsModel::roleNames() const
 {
     return { { Name, "name" }, { Kind, "kind" }, { Symbol, "symbol" }, { Picture, "picture" }, { Share, "share" },
-        { Badge, "badge" }, { BadgeText, "badgeText" }, { IsDivider, "isDivider" }, { Frame, "frame" } };
+        { Badge, "badge" }, { BadgeText, "badgeText" }, { IsDivider, "isDivider" }, { Frame, "frame" },
+        { Windows, "windowCount" } };
 }
 
 } // namespace kestro

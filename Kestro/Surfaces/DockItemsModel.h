@@ -16,7 +16,7 @@ class DockItemsModel final : public QAbstractListModel {
     Q_OBJECT
     QML_ANONYMOUS
 public:
-    enum Role { Name = Qt::UserRole, Kind, Symbol, Picture, Share, Badge, BadgeText, IsDivider, Frame };
+    enum Role { Name = Qt::UserRole, Kind, Symbol, Picture, Share, Badge, BadgeText, IsDivider, Frame, Windows };
 
     explicit DockItemsModel(AppModel& model);
 
@@ -38,6 +38,7 @@ private:
         QString name;
         QImage picture;
         WidgetTile look;
+        int windows = 0; ///< of a running application
         QRectF frame;
 
         bool looksLike(const Row& other) const;

@@ -20,6 +20,11 @@ struct Stats {
     std::optional<double> cpu; ///< share of all cores, 0 to 1
     std::optional<quint64> ramUsed; ///< bytes
     quint64 ramTotal = 0; ///< bytes
+    std::optional<int> battery; ///< percent
+    bool charging = false;
+    std::optional<double> tempC; ///< of the processor, in degrees Celsius
+    std::optional<int> gpu; ///< percent
+    std::optional<qint64> ssdFree; ///< bytes
 
     bool operator==(const Stats&) const = default;
 };

@@ -1,8 +1,11 @@
 #include "LinuxPlatform.h"
 
 #include "Kestro/Platform/Log.h"
+#include "Kestro/Statistics/StatsWindowModel.h"
 
 #include <QCoreApplication>
+#include <cstdio>
+#include <poll.h>
 
 namespace kestro {
 
@@ -25,6 +28,15 @@ void LinuxPlatform::tuneDrawing()
     qputenv("QT_XCB_NO_MITSHM", "1");
     // Qt would wait 5 ms for further changes. Those of one turn of the loop are in one frame without that.
     qputenv("QT_QPA_UPDATE_IDLE_TIME", "0");
+}
+
+int LinuxPlatform::printStats()
+{
+    ProcTable processes;
+    const GioWorkspace workspace;
+    const QString report = kestro::printStats(
+        ProcCounters(), processes, workspace, [](double seconds) { ::poll(nullptr, 0, int(seconds * 1000)); });
+    return std::fputs(report.toUtf8().constData(), stdout) >= 0 && std::fflush(stdout) == 0 ? 0 : 1;
 }
 
 LinuxPlatform::LinuxPlatform(const QString& home, Buses& buses, Log& log)
@@ -86,8 +98,8 @@ void LinuxPlatform::followBuses(Buses& buses)
 Platform LinuxPlatform::ports()
 {
     return { m_loop, m_preferences, m_screens, m_pointer, m_panels, m_appearance, m_session, m_workspace, m_fetcher,
-        m_counters, m_hotKeys, m_keyboard, m_tray, m_autostart, m_peers, m_windows, m_commands, m_pasteboard,
-        m_keyPoster, m_sounds, m_log };
+        m_counters, m_processes, m_hotKeys, m_keyboard, m_tray, m_autostart, m_peers, m_windows, m_commands,
+        m_pasteboard, m_keyPoster, m_sounds, m_log };
 }
 
 } // namespace kestro

@@ -15,6 +15,7 @@
 #include "Platforms/Linux/System/PreferenceFile.h"
 #include "Platforms/Linux/System/ProcCounters.h"
 #include "Platforms/Linux/System/ProcPeerInspector.h"
+#include "Platforms/Linux/System/ProcTable.h"
 #include "Platforms/Linux/System/ProcessRunner.h"
 #include "Platforms/Linux/System/QtMainLoop.h"
 #include "Platforms/Linux/System/Termination.h"
@@ -42,6 +43,9 @@ public:
     /// Tells Qt how to bring frames to the screen; before there is an application object. By environment variables,
     /// since Qt reads nothing else; the programs that the dock starts do not inherit them.
     static void tuneDrawing();
+
+    /// Measures for a second and prints the readings; what `main` returns.
+    static int printStats();
 
     /// `buses` and `log` outlive this. From here on the process ends in time, whatever hangs.
     LinuxPlatform(const QString& home, Buses& buses, Log& log);
@@ -72,6 +76,7 @@ private:
     GioWorkspace m_workspace;
     NetworkFetcher m_fetcher;
     ProcCounters m_counters;
+    ProcTable m_processes;
     X11HotKeys m_hotKeys;
     X11KeyboardGrabs m_keyboard;
     X11Tray m_trayWindow;

@@ -232,30 +232,6 @@ TEST_F(AppModelTest, widgetsWithoutACardAreNotShown)
     EXPECT_THAT(model->visibleWidgets(), ElementsAre(WidgetKind::stats));
 }
 
-TEST_F(AppModelTest, countersAreReadOnlyWhileTheSurfaceIsOpen)
-{
-    platform.counters.ticks = CPUTicks{ 0, 0, 100, 0 };
-    start();
-    const int before = platform.counters.readings;
-    platform.loop.advance(60);
-    EXPECT_EQ(before, platform.counters.readings);
-
-    platform.counters.ticks = CPUTicks{ 25, 0, 175, 0 };
-    model->setExpanded(true);
-    EXPECT_EQ(QStringLiteral("25%"), model->stats().card()->property("cpuText"));
-    EXPECT_EQ(QStringLiteral("4.0 / 16 GB"), model->stats().card()->property("memoryText"));
-    platform.loop.advance(4);
-    EXPECT_EQ(before + 3, platform.counters.readings) << "at once, then every two seconds";
-
-    platform.counters.ticks.reset();
-    platform.counters.used.reset();
-    platform.loop.advance(2);
-    EXPECT_EQ(QStringLiteral("–"), model->stats().card()->property("cpuText"));
-    EXPECT_EQ(QStringLiteral("–"), model->stats().card()->property("memoryText"));
-    model->setExpanded(false);
-    EXPECT_EQ(0, platform.loop.waiting());
-}
-
 TEST_F(AppModelTest, rowsTellOnlyWhatChanged)
 {
     set("agentsEnabled", true);

@@ -1,6 +1,7 @@
 #include "Kestro/Agents/AgentsPreferences.h"
 #include "Kestro/Preferences/PreferenceKeys.h"
 #include "Kestro/Preferences/SidebarPrefs.h"
+#include "Kestro/Statistics/StatsPreferences.h"
 #include "Tests/Support/Fakes.h"
 
 #include <gmock/gmock.h>

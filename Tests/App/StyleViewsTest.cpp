@@ -22,9 +22,10 @@ TEST_F(StyleViews, AreNamedByWhatTheyShow)
     const std::pair<const char*, const char*> cases[] = {
         { sessions, "Broken file|kestro, Needs input, now|–, Done, 2m ago" },
         { "AgentList { rows: ListModel {} }", "No active sessions" },
-        { "StatsRow { width: 300; cpuText: '12%'; cpuLevel: 0.12; memoryText: '3.1 / 24 GB' }",
-            "CPU 12%|MEMORY 3.1 / 24 GB" },
-        { "StatsRow { width: 300; showRAM: false }", "CPU –" },
+        { "StatsRow { width: 300; cells: ListModel {"
+          " ListElement { label: 'CPU'; value: '12%'; level: 0.12; lowIsBad: false; charging: false }"
+          " ListElement { label: 'BATTERY'; value: ''; level: -1; lowIsBad: true; charging: true } } }",
+            "CPU 12%|BATTERY –, charging" },
     };
     for (const auto& [qml, expected] : cases) {
         item.reset();

@@ -20,7 +20,18 @@ public:
         return true;
     }
 
+    bool close(quint32 id) override
+    {
+        return closed.append(id), std::erase_if(windows, [&](auto& each) { return each.id == id; });
+    }
+    std::shared_ptr<void> watch(std::function<void()> changed) override
+    {
+        return std::shared_ptr<void>((tell = std::move(changed), nullptr), [this](void*) { tell = [] {}; });
+    }
+    std::function<void()> tell = [] {}; ///< whoever watches
+
     std::vector<DesktopWindow> windows;
+    QList<quint32> closed;
     quint32 activeId = 0;
     QList<quint32> raised;
 };

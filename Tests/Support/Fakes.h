@@ -15,6 +15,7 @@
 #include "Tests/Support/FakePeers.h"
 #include "Tests/Support/FakePointer.h"
 #include "Tests/Support/FakePreferences.h"
+#include "Tests/Support/FakeProcesses.h"
 #include "Tests/Support/FakeScreens.h"
 #include "Tests/Support/FakeSounds.h"
 #include "Tests/Support/FakeStatusItem.h"
@@ -37,6 +38,7 @@ struct FakePlatform {
     FakeWorkspace workspace;
     FakeFetcher fetcher;
     FakeCounters counters;
+    FakeProcesses processes;
     FakeHotKeys hotKeys;
     FakeKeyboard keyboard;
     FakeStatusItem statusItem;
@@ -52,7 +54,8 @@ struct FakePlatform {
     Platform ports()
     {
         return { loop, preferences, screens, pointer, panels, appearance, session, workspace, fetcher, counters,
-            hotKeys, keyboard, statusItem, loginItem, peers, windows, commands, pasteboard, keyPoster, sounds, log };
+            processes, hotKeys, keyboard, statusItem, loginItem, peers, windows, commands, pasteboard, keyPoster,
+            sounds, log };
     }
 };
 

@@ -138,6 +138,22 @@ bool X11Windows::raise(quint32 id)
     return true;
 }
 
+bool X11Windows::close(quint32 id)
+{
+    const auto windows = X11ClientList::read(m_connection);
+    if (std::ranges::find(windows, id) == windows.end())
+        return false;
+    askManager(id, "_NET_CLOSE_WINDOW", { m_connection.serverTime(), fromPager });
+    m_connection.flush();
+    return true;
+}
+
+std::shared_ptr<void> X11Windows::watch(std::function<void()> changed)
+{
+    return std::make_shared<X11PropertyWatch>(m_connection, m_connection.root(),
+        std::initializer_list<const char*>{ "_NET_CLIENT_LIST" }, std::move(changed));
+}
+
 void X11Windows::askManager(xcb_window_t window, const char* what, const std::vector<quint32>& numbers)
 {
     xcb_client_message_event_t event{};

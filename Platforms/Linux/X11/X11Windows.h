@@ -19,6 +19,8 @@ public:
     std::vector<DesktopWindow> all() const override;
     quint32 active() const override;
     bool raise(quint32 id) override;
+    bool close(quint32 id) override;
+    std::shared_ptr<void> watch(std::function<void()> changed) override;
 
 private:
     void askManager(xcb_window_t window, const char* what, const std::vector<quint32>& numbers);
