@@ -16,7 +16,7 @@ namespace {
 
 constexpr double cardInterval = 2.0; // seconds
 constexpr int topAppCount = 3;
-constexpr double noticeSeconds = 6;
+constexpr double quitNoticeSeconds = 6;
 
 } // namespace
 
@@ -136,7 +136,7 @@ void StatsFeature::sampleTopApps()
 void StatsFeature::tell(const QString& text)
 {
     m_widget.setNotice(text);
-    m_noticeWork = m_loop.after(noticeSeconds, [this] { m_widget.setNotice({}); });
+    m_noticeWork = m_loop.after(quitNoticeSeconds, [this] { m_widget.setNotice({}); });
 }
 
 QList<SettingsPane> StatsFeature::panes()

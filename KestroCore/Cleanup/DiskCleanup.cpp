@@ -149,7 +149,7 @@ CleanupCategory categoryOfCache(const QByteArray& name)
     return std::ranges::any_of(packages, is) ? CleanupCategory::packageCaches : CleanupCategory::appCaches;
 }
 
-bool isOurs(const QByteArray& name) { return name == "com.lumbra.ombrel" || name == "kestro" || name == "Kestro"; }
+bool isOwnCache(const QByteArray& name) { return name == "com.lumbra.ombrel" || name == "kestro" || name == "Kestro"; }
 
 // Sockets' and locks' folders of a session, which no program makes again while it runs.
 bool isSessions(const QByteArray& name)
@@ -232,7 +232,7 @@ private:
 bool DiskCleanup::isInUse(const CleanupItem& item, const CleanupRoots& roots, const Work& work)
 {
     const QByteArray name = item.name();
-    if (item.root == roots.caches && (isOurs(name) || isSessions(name) || work.running(name)))
+    if (item.root == roots.caches && (isOwnCache(name) || isSessions(name) || work.running(name)))
         return true;
     return work.inUse(item.path);
 }
@@ -272,13 +272,13 @@ std::optional<CleanupScan> DiskCleanup::scan(
 namespace {
 
 /// The folder that an item stands in, opened part by part, and the item's name there.
-struct Place {
+struct ItemPlace {
     FileDescriptor folder;
     QByteArray name;
     FileFacts facts;
 };
 
-std::optional<Place> placeOf(const QByteArray& path, const QByteArray& root, FileDescriptor folder)
+std::optional<ItemPlace> placeOf(const QByteArray& path, const QByteArray& root, FileDescriptor folder)
 {
     const auto parts = folders::partsBelow(path, root);
     const auto rootFacts = parts && folder ? folders::look(folder.get(), "") : std::nullopt;
@@ -293,7 +293,7 @@ std::optional<Place> placeOf(const QByteArray& path, const QByteArray& root, Fil
     const auto facts = folders::look(folder.get(), parts->back().constData());
     if (!facts || facts->mount != rootFacts->mount || facts->device != rootFacts->device)
         return std::nullopt;
-    return Place{ std::move(folder), parts->back(), *facts };
+    return ItemPlace{ std::move(folder), parts->back(), *facts };
 }
 
 bool removeOne(

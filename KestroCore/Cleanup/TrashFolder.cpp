@@ -14,7 +14,7 @@ constexpr int mostOfOneName = 1000;
 constexpr qsizetype longestName = 200; // bytes, so that a number and the ending fit
 
 /// The folder called `name`, made where there is none.
-FileDescriptor makeFolder(int folder, const char* name)
+FileDescriptor trashPart(int folder, const char* name)
 {
     constexpr mode_t usersOnly = 0700;
     if (::mkdirat(folder, name, usersOnly) != 0 && errno != EEXIST)
@@ -28,19 +28,18 @@ TrashFolder::TrashFolder(const QByteArray& home, const QByteArray& dataHome, QBy
     : m_date(std::move(date))
 {
     const FileDescriptor data = folders::openBelow(home, dataHome);
-    const FileDescriptor trash = data ? makeFolder(data.get(), "Trash") : FileDescriptor();
+    const FileDescriptor trash = data ? trashPart(data.get(), "Trash") : FileDescriptor();
     if (!trash)
         return;
-    m_files = makeFolder(trash.get(), "files");
-    m_info = makeFolder(trash.get(), "info");
+    m_files = trashPart(trash.get(), "files");
+    m_info = trashPart(trash.get(), "info");
 }
 
 bool TrashFolder::take(int folder, const QByteArray& name, const QByteArray& path)
 {
     if (!m_files || !m_info)
         return false;
-    const QByteArray text
-        = "[Trash Info]\nPath=" + path.toPercentEncoding("/") + "\nDeletionDate=" + m_date + '\n';
+    const QByteArray text = "[Trash Info]\nPath=" + path.toPercentEncoding("/") + "\nDeletionDate=" + m_date + '\n';
     for (int i = 1; i <= mostOfOneName; ++i) {
         const QByteArray kept = name.left(longestName) + (i == 1 ? QByteArray() : '.' + QByteArray::number(i));
         const QByteArray note = kept + ".trashinfo";
@@ -51,8 +50,7 @@ bool TrashFolder::take(int folder, const QByteArray& name, const QByteArray& pat
         if (!file && errno == EEXIST)
             continue;
         const bool written = file && ::write(file.get(), text.constData(), size_t(text.size())) == text.size();
-        if (written
-            && ::renameat2(folder, name.constData(), m_files.get(), kept.constData(), RENAME_NOREPLACE) == 0)
+        if (written && ::renameat2(folder, name.constData(), m_files.get(), kept.constData(), RENAME_NOREPLACE) == 0)
             return true;
         const bool isTaken = written && errno == EEXIST;
         if (file)

@@ -34,10 +34,10 @@ bool isSharedFolder(const QByteArray& folder)
         || folder.count('/') < 2;
 }
 
-QByteArray folderOf(const QByteArray& path) { return path.first(std::max<qsizetype>(path.lastIndexOf('/'), 0)); }
-QByteArray nameOf(const QByteArray& path) { return path.mid(path.lastIndexOf('/') + 1); }
+QByteArray programFolder(const QByteArray& path) { return path.first(std::max<qsizetype>(path.lastIndexOf('/'), 0)); }
+QByteArray programName(const QByteArray& path) { return path.mid(path.lastIndexOf('/') + 1); }
 
-QByteArray realPath(const QByteArray& program)
+QByteArray programPath(const QByteArray& program)
 {
     QByteArray path = program;
     if (!path.startsWith('/'))
@@ -80,15 +80,15 @@ AppEntries::AppEntries(const QList<Entry>& entries)
     for (const Entry& each : sorted) {
         if (!each.isTerminal)
             add(m_byId, each.id.toLower(), each.path);
-        const QByteArray name = nameOf(each.program);
+        const QByteArray name = programName(each.program);
         if (isInterpreter(name))
             continue;
-        const QByteArray path = realPath(each.program);
+        const QByteArray path = programPath(each.program);
         add(m_byName, name, each.path);
-        if (path.isEmpty() || isInterpreter(nameOf(path)))
+        if (path.isEmpty() || isInterpreter(programName(path)))
             continue;
         add(m_byPath, path, each.path);
-        if (const QByteArray folder = folderOf(path); !isSharedFolder(folder))
+        if (const QByteArray folder = programFolder(path); !isSharedFolder(folder))
             add(m_byFolder, folder, each.path);
     }
 }
@@ -107,14 +107,14 @@ std::optional<QString> AppEntries::byExecutable(const QByteArray& path) const
 {
     if (const auto found = m_byPath.constFind(path); found != m_byPath.cend())
         return *found;
-    for (QByteArray folder = folderOf(path); !isSharedFolder(folder); folder = folderOf(folder)) {
+    for (QByteArray folder = programFolder(path); !isSharedFolder(folder); folder = programFolder(folder)) {
         if (const auto found = m_byFolder.constFind(folder); found != m_byFolder.cend())
             return *found;
         // A script starts what stands in a folder of the same name.
-        if (const auto found = m_byName.constFind(nameOf(folder)); found != m_byName.cend())
+        if (const auto found = m_byName.constFind(programName(folder)); found != m_byName.cend())
             return *found;
     }
-    const auto found = m_byName.constFind(nameOf(path));
+    const auto found = m_byName.constFind(programName(path));
     return found == m_byName.cend() ? std::nullopt : std::optional(*found);
 }
 

@@ -21,7 +21,7 @@ namespace kestro {
 namespace {
 
 constexpr double entriesAge = 60; // seconds
-constexpr int readFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK;
+constexpr int procFileFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK;
 
 double secondsNow()
 {
@@ -42,7 +42,7 @@ public:
     /// `name` is "PID/FILE", below the descriptor `folder`.
     std::string_view read(int folder, const char* name)
     {
-        const FileDescriptor file(::openat(folder, name, readFlags));
+        const FileDescriptor file(::openat(folder, name, procFileFlags));
         const ssize_t count = file ? ::read(file.get(), m_buffer.data(), m_buffer.size()) : 0;
         return { m_buffer.data(), count > 0 ? size_t(count) : 0 };
     }
@@ -60,7 +60,7 @@ private:
     std::array<char, PATH_MAX> m_buffer{};
 };
 
-std::optional<QString> entryOf(
+std::optional<QString> applicationOf(
     const AppEntries& entries, int folder, const QByteArray& pid, std::string_view executable, ProcessFile& file)
 {
     const QByteArray path(executable.data(), qsizetype(executable.size()));
@@ -154,7 +154,7 @@ private:
                 name = base;
             if (!executable.empty())
                 known.path = QFile::decodeName(QByteArray::fromStdString(executable));
-            known.app = entryOf(*m_applications, m_descriptor, pid, executable, m_file);
+            known.app = applicationOf(*m_applications, m_descriptor, pid, executable, m_file);
         }
         known.name = procText::printable(name);
         return known;
@@ -274,7 +274,7 @@ std::optional<QString> ProcTable::application(qint32 pid) const
     ProcessFile file;
     const QByteArray number = QByteArray::number(pid);
     const std::string executable(file.link(folder.get(), (number + "/exe").constData()));
-    return entryOf(*m_applications->entries(), folder.get(), number, executable, file);
+    return applicationOf(*m_applications->entries(), folder.get(), number, executable, file);
 }
 
 } // namespace kestro

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int mostChannels = 64; // of one chip
 
-std::optional<qint64> numberIn(const SystemFiles& files, const QByteArray& path)
+std::optional<qint64> valueIn(const SystemFiles& files, const QByteArray& path)
 {
     return procText::number(view(files.line(path)));
 }
@@ -53,8 +53,8 @@ bool isComputersBattery(const SystemFiles& files, const QByteArray& folder)
 void addCapacity(const SystemFiles& files, const QByteArray& folder, BatteryReading& battery)
 {
     for (const char* kind : { "charge", "energy" }) {
-        const auto full = numberIn(files, folder + kind + "_full");
-        const auto design = numberIn(files, folder + kind + "_full_design");
+        const auto full = valueIn(files, folder + kind + "_full");
+        const auto design = valueIn(files, folder + kind + "_full_design");
         if (full && design) {
             battery.maxCapacity = full;
             battery.designCapacity = design;
@@ -65,11 +65,11 @@ void addCapacity(const SystemFiles& files, const QByteArray& folder, BatteryRead
 
 std::optional<int> chargeOf(const SystemFiles& files, const QByteArray& folder)
 {
-    if (const auto percent = numberIn(files, folder + "capacity"))
+    if (const auto percent = valueIn(files, folder + "capacity"))
         return int(std::clamp<qint64>(*percent, 0, 100));
     for (const char* kind : { "charge", "energy" }) {
-        const auto now = numberIn(files, folder + kind + "_now");
-        const auto full = numberIn(files, folder + kind + "_full");
+        const auto now = valueIn(files, folder + kind + "_now");
+        const auto full = valueIn(files, folder + kind + "_full");
         if (now && full && *now >= 0)
             return *full > 0 ? int(std::min<double>(100, double(*now) * 100 / double(*full))) : 0;
     }
@@ -116,7 +116,7 @@ std::vector<Sensor> thermometers(const SystemFiles& files)
 
 std::optional<double> celsius(const SystemFiles& files, const Sensor& sensor)
 {
-    const auto value = numberIn(files, sensor.path);
+    const auto value = valueIn(files, sensor.path);
     return value ? std::optional(double(*value) / 1000) : std::nullopt;
 }
 
@@ -128,7 +128,7 @@ std::optional<std::vector<double>> fans(const SystemFiles& files)
         const QByteArray folder = "/sys/class/hwmon/" + chip + '/';
         for (const QByteArray& channel : channels(files.names(folder), "fan", "_input")) {
             any = true;
-            const auto speed = numberIn(files, folder + channel + "_input");
+            const auto speed = valueIn(files, folder + channel + "_input");
             if (speed && *speed >= 0)
                 speeds.push_back(double(*speed));
         }
@@ -150,17 +150,17 @@ std::optional<BatteryReading> battery(const SystemFiles& files)
         const QByteArray status = files.line(folder + "status");
         BatteryReading battery{ .percent = *percent, .charging = status == "Charging", .onMains = isOnMains(files) };
         // Where it is not supported, drivers tell 0.
-        if (const auto cycles = numberIn(files, folder + "cycle_count"); cycles && *cycles > 0 && *cycles < 1'000'000)
+        if (const auto cycles = valueIn(files, folder + "cycle_count"); cycles && *cycles > 0 && *cycles < 1'000'000)
             battery.cycles = int(*cycles);
         addCapacity(files, folder, battery);
         // Drivers disagree about the sign: the status tells it.
         const int sign = status == "Discharging" ? -1 : 1;
-        const auto volts = numberIn(files, folder + "voltage_now");
-        const auto amps = numberIn(files, folder + "current_now");
+        const auto volts = valueIn(files, folder + "voltage_now");
+        const auto amps = valueIn(files, folder + "current_now");
         if (volts && amps) {
             battery.millivolts = *volts / 1000;
             battery.milliamps = sign * std::abs(*amps / 1000);
-        } else if (const auto power = numberIn(files, folder + "power_now")) {
+        } else if (const auto power = valueIn(files, folder + "power_now")) {
             battery.watts = sign * std::abs(double(*power)) / 1e6;
         }
         return battery;
@@ -174,7 +174,7 @@ std::optional<int> gpu(const SystemFiles& files)
     for (const QByteArray& card : files.names("/sys/class/drm")) {
         if (!card.startsWith("card") || card.contains('-'))
             continue;
-        const auto busy = numberIn(files, "/sys/class/drm/" + card + "/device/gpu_busy_percent");
+        const auto busy = valueIn(files, "/sys/class/drm/" + card + "/device/gpu_busy_percent");
         if (busy && *busy >= 0)
             busiest = std::max(busiest.value_or(0), int(std::min<qint64>(*busy, 100)));
     }
