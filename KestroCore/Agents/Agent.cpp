@@ -6,18 +6,18 @@ namespace kestro {
 
 namespace {
 
-constexpr std::array<QByteArrayView, allAgents.size()> words{ "claude", "codex", "cursor" };
+constexpr std::array<QByteArrayView, allAgents.size()> agentWords{ "claude", "codex", "cursor" };
 
 } // namespace
 
-QString rawValue(Agent agent) { return QString::fromLatin1(words.at(static_cast<size_t>(agent))); }
+QString rawValue(Agent agent) { return QString::fromLatin1(agentWords.at(static_cast<size_t>(agent))); }
 
 std::optional<Agent> agentFromRawValue(QByteArrayView raw)
 {
-    const auto word = std::ranges::find(words, raw);
-    if (word == words.end())
+    const auto word = std::ranges::find(agentWords, raw);
+    if (word == agentWords.end())
         return std::nullopt;
-    return allAgents.at(static_cast<size_t>(word - words.begin()));
+    return allAgents.at(static_cast<size_t>(word - agentWords.begin()));
 }
 
 } // namespace kestro

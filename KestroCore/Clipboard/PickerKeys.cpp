@@ -8,12 +8,13 @@ namespace kestro::PickerKeys {
 namespace {
 
 constexpr quint32 keyReturn = 36, keyEnter = 76, keyDelete = 51, keyEscape = 53, keyP = 35, keyUp = 126, keyDown = 125;
-constexpr std::array<quint32, 9> digits{ 18, 19, 20, 21, 23, 22, 26, 28, 25 }; // 1 to 9, as they lie on the keyboard
+// 1 to 9, as they lie on the keyboard.
+constexpr std::array<quint32, 9> pickDigits{ 18, 19, 20, 21, 23, 22, 26, 28, 25 };
 
 std::optional<PickerAction> digitAction(quint32 code, const QList<QUuid>& visible)
 {
-    const qsizetype place = std::ranges::find(digits, code) - digits.begin();
-    if (place >= std::ssize(digits) || place >= visible.size())
+    const qsizetype place = std::ranges::find(pickDigits, code) - pickDigits.begin();
+    if (place >= std::ssize(pickDigits) || place >= visible.size())
         return std::nullopt;
     return picker::Pick{ visible[place] };
 }

@@ -21,7 +21,7 @@ constexpr std::array<quint32, 20> functionKeys{ 122, 120, 99, 118, 96, 97, 98, 1
     106, 64, 79, 80, 90 };
 constexpr std::array<quint32, 26> letters{ 0, 11, 8, 2, 14, 3, 5, 4, 34, 38, 40, 37, 46, 45, 31, 35, 12, 15, 1, 17, 32,
     9, 13, 7, 16, 6 };
-constexpr std::array<quint32, 10> digits{ 29, 18, 19, 20, 21, 23, 22, 26, 28, 25 };
+constexpr std::array<quint32, 10> digitKeys{ 29, 18, 19, 20, 21, 23, 22, 26, 28, 25 };
 constexpr std::array<Named, 26> others{ {
     { 27, u"-" },
     { 24, u"=" },
@@ -89,7 +89,7 @@ bool KeyCombo::shadowsStandardShortcut() const
     const quint32 unshifted = modifiers & ~shift;
     if (unshifted != command && unshifted != control)
         return false;
-    if (!placeIn(letters, keyCode) && !placeIn(digits, keyCode))
+    if (!placeIn(letters, keyCode) && !placeIn(digitKeys, keyCode))
         return false;
     const auto& exempt = ScreenshotHotKeys::captureShortcuts();
     return std::none_of(exempt.begin(), exempt.end(), [this](const auto& each) { return each.second == *this; });
@@ -118,7 +118,7 @@ QString KeyCombo::keyName(quint32 keyCode)
         return QStringLiteral("F%1").arg(*place + 1);
     if (const auto place = placeIn(letters, keyCode))
         return QChar(u'A' + *place);
-    if (const auto place = placeIn(digits, keyCode))
+    if (const auto place = placeIn(digitKeys, keyCode))
         return QChar(u'0' + *place);
     for (const Named& key : others) {
         if (key.code == keyCode)

@@ -102,7 +102,7 @@ inline const Machine laptop{
 };
 
 /// A desktop with an AMD processor and a graphics card of its own.
-inline const Machine desktop{
+inline const Machine towerMachine{
     { "proc/stat", "cpu  100 0 100 800 0 0 0 0 0 0\ncpu0 100 0 100 800 0 0 0 0 0 0\nintr 0\n" },
     { "sys/class/drm/card0/device/gpu_busy_percent", "7\n" },
     { "sys/class/drm/card1/device/gpu_busy_percent", "93\n" },

@@ -38,16 +38,16 @@ TEST(ProcCounters, ReadALaptop)
 
 TEST(ProcCounters, ReadOtherMachines)
 {
-    const MachineRoot a(desktop);
-    const SystemReadings tower = ProcCounters(a.path()).readings();
+    const MachineRoot towerRoot(towerMachine);
+    const SystemReadings tower = ProcCounters(towerRoot.path()).readings();
     EXPECT_EQ(tower.gpu, 93);
-    EXPECT_EQ(ProcCounters(a.path()).cpuTemperature(), 64.125);
+    EXPECT_EQ(ProcCounters(towerRoot.path()).cpuTemperature(), 64.125);
     EXPECT_FALSE(tower.battery || tower.disk || tower.interfaces || tower.load || tower.ramUsed);
 
-    const MachineRoot b(board);
-    const SystemReadings small = ProcCounters(b.path()).readings();
+    const MachineRoot boardRoot(board);
+    const SystemReadings small = ProcCounters(boardRoot.path()).readings();
     EXPECT_EQ(small.disk, (DiskBytes{ 20 * 512, 40 * 512 }));
-    EXPECT_EQ(ProcCounters(b.path()).cpuTemperature(), 48.312);
+    EXPECT_EQ(ProcCounters(boardRoot.path()).cpuTemperature(), 48.312);
     EXPECT_EQ(small.fans, std::vector<double>());
 
     const MachineRoot none;
