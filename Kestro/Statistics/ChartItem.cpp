@@ -10,7 +10,7 @@ QImage ChartItem::picture(QSize pixels, qreal ratio)
 {
     QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
-    if (m_points.size() < 2 || m_top <= 0 || m_seconds <= 0)
+    if (m_points.size() < 2 || m_limit <= 0 || m_seconds <= 0)
         return image;
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
@@ -18,7 +18,7 @@ QImage ChartItem::picture(QSize pixels, qreal ratio)
     const qreal height = pixels.height() - stroke;
     const auto place = [&](QPointF point) {
         return QPointF(pixels.width() * (1 - point.x() / m_seconds),
-            stroke / 2 + height * (1 - std::clamp(point.y() / m_top, 0.0, 1.0)));
+            stroke / 2 + height * (1 - std::clamp(point.y() / m_limit, 0.0, 1.0)));
     };
     QPainterPath line(place(m_points.first()));
     for (const QPointF& each : m_points)

@@ -14,7 +14,7 @@ class ChartItem : public kestro::PictureItem {
     QML_NAMED_ELEMENT(Chart)
     /// Pairs of an age in seconds and a figure, the oldest first.
     Q_PROPERTY(QList<QPointF> points READ points WRITE setPoints NOTIFY changed FINAL)
-    Q_PROPERTY(qreal top READ top WRITE setTop NOTIFY changed FINAL) ///< the figure of the upper edge
+    Q_PROPERTY(qreal limit READ limit WRITE setLimit NOTIFY changed FINAL) ///< the figure of the upper edge
     Q_PROPERTY(qreal seconds READ seconds WRITE setSeconds NOTIFY changed FINAL) ///< the age of the left edge
     Q_PROPERTY(QColor color READ color WRITE setColor NOTIFY changed FINAL)
 public:
@@ -25,8 +25,8 @@ public:
 
     const QList<QPointF>& points() const { return m_points; }
     void setPoints(const QList<QPointF>& points) { set(m_points, points); }
-    qreal top() const { return m_top; }
-    void setTop(qreal top) { set(m_top, top); }
+    qreal limit() const { return m_limit; }
+    void setLimit(qreal limit) { set(m_limit, limit); }
     qreal seconds() const { return m_seconds; }
     void setSeconds(qreal seconds) { set(m_seconds, seconds); }
     QColor color() const { return m_color; }
@@ -49,7 +49,7 @@ private:
     }
 
     QList<QPointF> m_points;
-    qreal m_top = 1;
+    qreal m_limit = 1;
     qreal m_seconds = 120;
     QColor m_color = Qt::blue;
 };

@@ -66,7 +66,7 @@ Column {
 
                     anchors { fill: parent; topMargin: 6; bottomMargin: 8 }
                     points: view.section.chart
-                    top: view.section.chartTop
+                    limit: view.section.chartTop
                     seconds: 120
                     color: Theme.accent
 

@@ -69,7 +69,7 @@ TEST_F(CleanupModelTest, DeletesWhatIsCheckedAndNothingElse)
     model.clean();
     finish();
     EXPECT_TRUE(model.result().startsWith(QStringLiteral("Freed "))) << model.result().toStdString();
-    EXPECT_EQ(rows(), QStringLiteral("-App caches|-large in use|-running in use"));
+    EXPECT_EQ(rows(), QStringLiteral("-App caches 0 bytes|-large in use|-running in use"));
     EXPECT_FALSE(exists(".cache/small"));
     EXPECT_TRUE(exists(".cache/large/file") && exists(".cache/running/file"));
 }

@@ -136,8 +136,8 @@ TEST_F(SettingsWindowTest, theWindowOfTheAgentsIsMadeWhenOpenedAndGoesWhenClosed
     model.host().openWindow(WidgetKind::ai);
     QTest::keyClick(window("AI"), Qt::Key_Comma, Qt::ControlModifier);
     EXPECT_TRUE(window("Kestro Settings"));
-    model.host().openWindow(WidgetKind::stats);
-    EXPECT_FALSE(window("Stats"));
+    model.host().openWindow(WidgetKind::timer);
+    EXPECT_FALSE(window("Timer")) << "it has a card alone";
 }
 
 TEST_F(SettingsWindowTest, theTraysMenuOpensOnTheScreen)

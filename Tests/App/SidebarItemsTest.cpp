@@ -91,13 +91,14 @@ TEST_F(SidebarItemsTest, itGivesWayToAWindow)
             opened = kind;
             sidebar->giveWay();
         };
+        model->launcher().add({ QUuid::createUuid(), LaunchItem::Widget{ WidgetKind::timer } });
         sidebar->toggle();
         platform.loop.turn();
         ASSERT_TRUE(sidebar->cardShown());
         platform.pointer.moveTo(frame().dock.center());
-        sidebar->clickItem(0);
+        sidebar->clickItem(2);
         platform.loop.turn();
-        EXPECT_TRUE(sidebar->cardShown()) << "Stats has a card alone";
+        EXPECT_TRUE(sidebar->cardShown()) << "the timer has a card alone";
         sidebar->clickItem(1);
         EXPECT_EQ(WidgetKind::ai, opened);
         EXPECT_FALSE(sidebar->cardShown());

@@ -20,7 +20,7 @@ class Test(DesktopTest):
         tree.wait("frame", "Stats")
         tree.wait("button", "Clean Up").press()
         tree.wait("dialog", "Clean Up")
-        tree.wait("check box", "first", 10).press()
+        tree.wait("checkbox", "first", 10).press()
         wait_for(lambda: tree.shows("label", lambda name: name.startswith("Selected: 3")))
         wait_for(lambda: len(tree.find_all("button", "Clean Up")) > 1)
         tree.find_all("button", "Clean Up")[-1].press()

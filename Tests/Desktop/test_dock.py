@@ -1,5 +1,7 @@
 """The dock: where it stands, how it hides, what a tile's menu does."""
 
+import base64
+import json
 import unittest
 
 from harness import DesktopTest, Kestro, holds_for, monitors, wait_for, write_preferences
@@ -75,12 +77,16 @@ class Test(DesktopTest):
         monitors(A="1280x1080+0+0", B="640x480+1280+0")
         self.expect_at("right", left=1280, width=640)
 
-    def test_a_press_on_the_bus_opens_the_card(self):
-        self.start()
-        self.assertFalse(self.tree.shows("heading", "Stats"))
+    def test_a_press_on_the_bus_opens_what_the_tile_stands_for(self):
+        timer = [{"id": "6E2A7C64-6B5C-4C39-9F0E-0C6C5E0B7A01", "kind": {"widget": {"kind": "timer"}}}]
+        layout = base64.b64encode(json.dumps(timer).encode()).decode()
+        self.start(**{"launcherItems": {"$data": layout}, "launcherItems.migrated": True})
+        self.assertFalse(self.tree.shows("heading", "Timer"))
+        self.tree.find("button", "Timer").press()
+        self.tree.wait("heading", "Timer", limit=2)
         self.tree.find("button", "Stats").press()
-        self.tree.wait("heading", "Stats", limit=2)
-        self.tree.wait(name=lambda name: name.startswith("MEMORY "), limit=2)
+        self.tree.wait("frame", "Stats", limit=2)
+        self.tree.wait(name=lambda name: name.startswith("Used "), limit=2)
 
     def test_the_menu_of_the_only_tile(self):
         self.start()

@@ -145,7 +145,7 @@ class Test(DesktopTest):
         items = [{"id": str(uuid.uuid4()).upper(), "kind": {"app": {"path": write_application(name, "Icon=none")}}}
                  for name in names]
         kestro = self.using(Kestro({
-            "dockMagnification": True, "launcherItems.migrated": True,
+            "dockMagnification": True, "launcherItems.migrated": True, "dockLiveTiles": False,
             "launcherItems": {"$data": base64.b64encode(json.dumps(items).encode()).decode()}}))
         self.tree = kestro.tree
         tile = lambda name: self.tree.find("button", name)  # noqa: E731

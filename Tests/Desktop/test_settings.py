@@ -50,7 +50,7 @@ class Test(DesktopTest):
     def test_a_second_start_opens_it_and_every_pane_is_there(self):
         self.start()
         wait_for(self.is_active, 3, "it has the keyboard")
-        self.assertEqual(["General", "Appearance", "Layout", "Agents", "Clipboard", "Shortcuts"],
+        self.assertEqual(["General", "Appearance", "Layout", "Stats", "Agents", "Clipboard", "Shortcuts"],
                          [tab.name for tab in self.tree.find_all("page tab")])
         for tab in self.tree.find_all("page tab"):
             tab.press()

@@ -148,7 +148,7 @@ TEST(EndWatchdog, EndsTheProcessWhateverHangs)
         EXPECT_EQ(children[i]->exitCode(), cases[i].exitCode) << cases[i].what;
         EXPECT_EQ(children[i]->read().startsWith("saving\n"), cases[i].saves) << cases[i].what;
     }
-    EXPECT_LT(clock.elapsed(), 2000);
+    EXPECT_LT(clock.elapsed(), 10'000); // each hangs for ever but for the watchdog
 }
 
 class SingleInstanceTest : public testing::Test {
@@ -200,7 +200,7 @@ TEST_F(SingleInstanceTest, IsNotHeldUpByAStoppedOneAndTakesOverFromAKilledOne)
     clock.start();
     for (int i = 0; i < 30; ++i) // more than its queue holds
         EXPECT_FALSE(SingleInstance(m_folder, m_log).claim());
-    EXPECT_LT(clock.elapsed(), 2000);
+    EXPECT_LT(clock.elapsed(), 10'000); // each hangs for ever but for the watchdog
     other.reset();
     ASSERT_TRUE(QFile::exists(m_folder + u"/instance.sock"_s));
     EXPECT_TRUE(SingleInstance(m_folder, m_log).claim());

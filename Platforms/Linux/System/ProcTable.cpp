@@ -152,7 +152,7 @@ private:
             constexpr size_t commLimit = 15;
             if (name.size() == commLimit && base.starts_with(name))
                 name = base;
-            if (!executable.empty())
+            if (!executable.empty() && !executable.starts_with("/memfd:")) // a file without a place tells no name
                 known.path = QFile::decodeName(QByteArray::fromStdString(executable));
             known.app = applicationOf(*m_applications, m_descriptor, pid, executable, m_file);
         }

@@ -236,10 +236,13 @@ TEST_F(CleanupTest, NothingOutsideChangesWhateverIsPlanted)
         }
     }
     int removed = 0;
+    folder("home/next");
+    folder("home/left");
     for (int i = 0; i < trees; ++i) {
-        ::mkdir(at("home/.cache/t").constData(), 0755);
+        // Made out of the rival's reach: it is made by path, which goes through links.
+        ::mkdir(at("home/next/t").constData(), 0755);
         for (const char* each : { "a", "b", "c" }) {
-            const QByteArray folder = QByteArray("home/.cache/t/") + each;
+            const QByteArray folder = QByteArray("home/next/t/") + each;
             ::mkdir(at(folder).constData(), 0755);
             for (int file = pick(3); file >= 0; --file) {
                 const QByteArray name = folder + '/' + QByteArray(1 + pick(254), char(128 + pick(120)));
@@ -248,6 +251,8 @@ TEST_F(CleanupTest, NothingOutsideChangesWhateverIsPlanted)
             const QByteArray target = pick(2) ? at("outside") : QByteArray("../../../../outside");
             ::symlink(target.constData(), at(folder + "/link").constData());
         }
+        ::rename(at("home/.cache/t").constData(), at("home/left/" + QByteArray::number(i)).constData());
+        ASSERT_EQ(0, ::rename(at("home/next/t").constData(), at("home/.cache/t").constData()));
         // As the scan saw it, or with the folder swapped for a link before the deletion.
         const auto found = items();
         if (pick(4) == 0) {
