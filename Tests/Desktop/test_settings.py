@@ -190,7 +190,7 @@ class Test(DesktopTest):
             self.keys.type(letter)
         self.tree.wait("heading", "Agents")
         self.keys.type("Escape")
-        wait_for(lambda: len(self.tree.find_all("page tab")) == 6, 3, "Escape empties the search first")
+        wait_for(lambda: len(self.tree.find_all("page tab")) == 7, 3, "Escape empties the search first")
         self.keys.type("ctrl+q")
         self.assertEqual(0, self.kestro.wait_end())
 
