@@ -31,7 +31,7 @@ void AppsModel::show(std::optional<std::vector<AppGroup>> groups)
     update();
 }
 
-void AppsModel::setSort(const QString& sort)
+void AppsModel::setSortedBy(const QString& sort)
 {
     const auto found = fromRaw<AppSort>(sort);
     if (!found || *found == m_sort)
@@ -172,7 +172,8 @@ void AppsModel::update()
         beginInsertRows({}, int(common), int(rows.size()) - 1);
         std::move(rows.begin() + qsizetype(common), rows.end(), std::back_inserter(m_rows));
         endInsertRows();
-    } else if (m_rows.size() > common) {
+    }
+    if (rows.size() < m_rows.size()) {
         beginRemoveRows({}, int(common), int(m_rows.size()) - 1);
         m_rows.resize(common);
         endRemoveRows();

@@ -15,7 +15,7 @@ class AppsModel final : public QAbstractListModel {
     Q_OBJECT
     QML_ANONYMOUS
     Q_PROPERTY(bool measuring READ isMeasuring NOTIFY listChanged)
-    Q_PROPERTY(QString sort READ sort WRITE setSort NOTIFY sortChanged)
+    Q_PROPERTY(QString sortedBy READ sortedBy WRITE setSortedBy NOTIFY sortChanged)
     Q_PROPERTY(QString search READ search WRITE setSearch NOTIFY searchChanged)
     Q_PROPERTY(QString note READ note NOTIFY listChanged) ///< what the list leaves out; empty for nothing
     Q_PROPERTY(QString question READ question NOTIFY pendingChanged) ///< empty while nothing is asked
@@ -44,8 +44,8 @@ public:
     void show(std::optional<std::vector<AppGroup>> groups);
 
     bool isMeasuring() const { return !m_groups; }
-    QString sort() const { return rawValue(m_sort); }
-    void setSort(const QString& sort);
+    QString sortedBy() const { return rawValue(m_sort); }
+    void setSortedBy(const QString& sort);
     QString search() const { return m_search; }
     void setSearch(const QString& text);
     QString note() const { return m_note; }

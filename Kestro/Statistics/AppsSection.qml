@@ -48,8 +48,8 @@ Column {
                 { value: "disk", title: "Disk" },
                 { value: "name", title: "Name" }
             ]
-            current: section.apps.sort
-            onChosen: value => section.apps.sort = value
+            current: section.apps.sortedBy
+            onChosen: value => section.apps.sortedBy = value
         }
     }
     Rectangle {

@@ -74,8 +74,10 @@ void RunningAppsModel::refresh()
 
 void RunningAppsModel::publish(RunningApps::Windows running)
 {
-    if (std::exchange(m_running, running) != running)
-        Q_EMIT changed();
+    if (m_running == running)
+        return;
+    m_running = std::move(running);
+    Q_EMIT changed();
 }
 
 } // namespace kestro
